@@ -1,0 +1,259 @@
+// The data layer: a connection to an SQLite file or a PostgreSQL database, read-only and
+// editable recordsets, fields with types.
+//
+// SQL is written once for both engines: identifiers in square brackets as the archives name
+// them ([Piano Dei Conti].[Codice Conto]), values as `?` parameters, LIMIT, CASE, substr,
+// COALESCE and || for what differs between the old dialects. On PostgreSQL the bracketed names
+// become quoted lower-case identifiers, so that a statement may spell a name in any case.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/Valore.h"
+
+namespace vorn {
+
+enum class Motore { SQLite, PostgreSQL };
+
+// A database error: `numero` is the engine's code (SQLite result code, or the PostgreSQL
+// SQLSTATE packed as its five characters in base 36), `descrizione` its text.
+class ErroreDb : public std::runtime_error {
+ public:
+  ErroreDb(long numero, std::string descrizione, std::string sqlstate = {})
+      : std::runtime_error(descrizione), numero_(numero), descrizione_(std::move(descrizione)), sqlstate_(std::move(sqlstate)) {}
+  long Numero() const { return numero_; }
+  const std::string& Descrizione() const { return descrizione_; }
+  const std::string& SqlState() const { return sqlstate_; }
+
+ private:
+  long numero_;
+  std::string descrizione_;
+  std::string sqlstate_;
+};
+
+// Field types, with the numbers of the host's field-type enumeration.
+enum class TipoCampo : int {
+  Vuoto = 0,
+  Intero16 = 2,   // adSmallInt
+  Intero32 = 3,   // adInteger
+  Singolo = 4,    // adSingle
+  Doppio = 5,     // adDouble
+  Importo = 6,    // adCurrency
+  Data = 7,       // adDate
+  Booleano = 11,  // adBoolean
+  Testo = 202,    // adVarWChar
+  Memo = 203,     // adLongVarWChar
+};
+bool TipoCarattere(int tipo);  // 129, 130, 200..203
+
+// Coerces a value to what a column of the type holds; throws ErroreDb on a type mismatch.
+Valore Coerci(const Valore& v, TipoCampo tipo);
+
+struct Colonna {
+  std::string nome;
+  TipoCampo tipo = TipoCampo::Testo;
+};
+
+class Recordset;
+
+class Campo {
+ public:
+  const std::string& Name() const;
+  TipoCampo Type() const;
+  int TypeNumber() const { return static_cast<int>(Type()); }
+  // The value in the current row; throws ErroreDb at EOF or BOF.
+  const Valore& Value() const;
+  bool IsNull() const { return Value().IsNull(); }
+  // Assigns through the recordset: starts an edit of the current row when none is in progress.
+  Campo& operator=(const Valore& v);
+  Campo& operator=(const Campo& other) { return *this = other.Value(); }
+  operator const Valore&() const { return Value(); }
+
+ private:
+  friend class Recordset;
+  Campo(Recordset* rs, int idx) : rs_(rs), idx_(idx) {}
+  Recordset* rs_;
+  int idx_;
+};
+
+class Connessione;
+
+// Edit modes, with the host's numbers.
+enum EditMode : int { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
+
+// Rows of a statement held in memory. An editable recordset is opened over one table; its
+// Update writes the current row back by the table's key (or, for a table without one, by the
+// engine's row identity).
+class Recordset {
+ public:
+  Recordset() = default;
+  Recordset(const Recordset&) = delete;
+  Recordset& operator=(const Recordset&) = delete;
+  Recordset(Recordset&&) noexcept;
+  Recordset& operator=(Recordset&&) noexcept;
+  ~Recordset();
+
+  bool IsOpen() const { return open_; }
+  bool Eof() const { return !open_ || pos_ >= rows_.size(); }
+  bool Bof() const { return !open_ || rows_.empty() || pos_ == kBof; }
+  void MoveFirst();
+  void MoveLast();
+  void MoveNext();
+  void MovePrevious();
+  size_t RecordCount() const { return rows_.size(); }
+  size_t Posizione() const { return pos_; }
+
+  int FieldCount() const { return static_cast<int>(cols_.size()); }
+  bool HasField(std::string_view nome) const { return Indice(nome) >= 0; }
+  // Case-insensitive; throws ErroreDb when the recordset has no such field.
+  Campo& Fields(std::string_view nome);
+  Campo& Fields(int i);
+  Campo& operator()(std::string_view nome) { return Fields(nome); }
+  const std::vector<Colonna>& Colonne() const { return cols_; }
+
+  bool Modificabile() const { return !tabella_.empty(); }
+  int EditMode() const { return edit_; }
+  void AddNew();
+  void Update();
+  void CancelUpdate();
+  void Delete();
+  void Close();
+
+  // Internal construction by the connection.
+  struct Dati {
+    std::vector<Colonna> cols;
+    std::vector<std::vector<Valore>> rows;
+  };
+  static Recordset DaDati(Dati d);
+  static Recordset Modificabile(Connessione& cn, std::string tabella, Dati d, std::vector<int> chiave, int rid);
+
+ private:
+  friend class Campo;
+  static constexpr size_t kBof = static_cast<size_t>(-1);
+  int Indice(std::string_view nome) const;
+  const Valore& Get(int idx) const;
+  void Set(int idx, const Valore& v);
+  void Assicura() const;
+
+  bool open_ = false;
+  std::vector<Colonna> cols_;
+  std::vector<std::vector<Valore>> rows_;
+  std::vector<std::unique_ptr<Campo>> campi_;
+  size_t pos_ = 0;
+  // Editing
+  Connessione* cn_ = nullptr;
+  std::string tabella_;
+  std::vector<int> chiave_;  // key columns; empty: by row identity
+  int rid_ = -1;             // hidden row-identity column
+  int edit_ = adEditNone;
+  std::vector<Valore> originale_;
+  std::vector<bool> variati_;
+};
+
+using Parametri = std::vector<Valore>;
+
+// Connection options of a PostgreSQL database; each value goes to the client library as a
+// keyword/value pair, never pasted into a connection string.
+struct ParametriPostgres {
+  std::string database;
+  std::string host;  // host name, address, or socket folder; may carry ":port"
+  std::string port;
+  std::string user;
+  std::string password;
+  std::string schema;  // optional search path (tests run each case in a schema of its own)
+};
+
+struct OpzioniSqlite {
+  bool crea = false;           // create the file when missing
+  int attesaMs = 5000;         // how long a statement waits for another process's lock
+  bool solaLettura = false;
+};
+
+class Connessione : public std::enable_shared_from_this<Connessione> {
+ public:
+  virtual ~Connessione() = default;
+
+  static std::shared_ptr<Connessione> ApriSqlite(const std::string& file, const OpzioniSqlite& o = {});
+  static std::shared_ptr<Connessione> ApriPostgres(const ParametriPostgres& p);
+
+  virtual Motore motore() const = 0;
+  bool IsPostgres() const { return motore() == Motore::PostgreSQL; }
+  // The provider name: "SQLite" or "PostgreSQL".
+  std::string Provider() const { return IsPostgres() ? "PostgreSQL" : "SQLite"; }
+  virtual bool Aperta() const = 0;
+  virtual void Close() = 0;
+
+  // Runs a statement and returns its rows (read-only).
+  Recordset Execute(std::string_view sql, const Parametri& p = {});
+  // Runs a statement that returns no rows; the result is the number of rows it touched.
+  int64_t Esegui(std::string_view sql, const Parametri& p = {});
+  // Streams the rows of a statement one by one, without holding them all: for long scans.
+  // The callback gets the column list and one row; returning false stops the scan.
+  virtual void Scorri(std::string_view sql, const Parametri& p,
+                      const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
+  // First column of the first row, or Null.
+  Valore Scalare(std::string_view sql, const Parametri& p = {});
+  // An editable recordset: SELECT * FROM [tabella] with the given WHERE and ORDER BY text.
+  Recordset Apri(std::string_view tabella, std::string_view where = {}, const Parametri& p = {},
+                 std::string_view orderBy = {});
+  // An editable recordset on a statement over one table ("SELECT ... FROM [T] ...").
+  Recordset ApriSql(std::string_view sql, const Parametri& p = {});
+
+  // Transactions on this connection.
+  virtual void BeginTrans() = 0;
+  virtual void CommitTrans() = 0;
+  virtual void RollbackTrans() = 0;
+  virtual bool InTransazione() const = 0;
+
+  // The statement as the engine reads it.
+  std::string Traduci(std::string_view sql) const;
+  // Key columns of a table, in key order (cached); empty when the table has none.
+  const std::vector<std::string>& ChiaveTabella(const std::string& tabella);
+  // Names of the tables and views, and of the columns of one table.
+  virtual std::vector<std::string> Tabelle() = 0;
+  virtual std::vector<Colonna> ColonneTabella(const std::string& tabella) = 0;
+  void DimenticaSchema() { chiavi_.clear(); }
+
+  // Text helpers of the dialect.
+  std::string Like() const { return IsPostgres() ? "ILIKE" : "LIKE"; }
+  // A quoted identifier as this engine reads it.
+  std::string Identificatore(std::string_view nome) const;
+
+ protected:
+  struct Esito {
+    Recordset::Dati dati;
+    int64_t righe = 0;
+  };
+  virtual Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) = 0;
+  virtual std::vector<std::string> LeggiChiave(const std::string& tabella) = 0;
+  virtual std::string ColonnaRid() const = 0;  // "rowid" or "ctid"
+
+ private:
+  friend class Recordset;
+  std::map<std::string, std::vector<std::string>> chiavi_;
+};
+
+// All-or-nothing over a scope: a transaction of its own when none is open, a savepoint inside
+// the caller's. Without Conferma() the work is undone.
+class Atomico {
+ public:
+  explicit Atomico(Connessione& cn);
+  ~Atomico();
+  void Conferma();
+  Atomico(const Atomico&) = delete;
+  Atomico& operator=(const Atomico&) = delete;
+
+ private:
+  Connessione& cn_;
+  std::string savepoint_;
+  bool fatto_ = false;
+};
+
+}  // namespace vorn

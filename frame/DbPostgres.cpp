@@ -1,0 +1,418 @@
+// The PostgreSQL engine: the server for companies with many users.
+#include <libpq-fe.h>
+
+#include <cstdio>
+#include <cstring>
+#include <list>
+#include <unordered_map>
+
+#include "frame/Db.h"
+
+namespace vorn {
+
+namespace {
+
+// Type OIDs of the catalogue's built-in types.
+enum : Oid {
+  kBool = 16,
+  kInt8 = 20,
+  kInt2 = 21,
+  kInt4 = 23,
+  kText = 25,
+  kOid = 26,
+  kFloat4 = 700,
+  kFloat8 = 701,
+  kUnknown = 705,
+  kBpchar = 1042,
+  kVarchar = 1043,
+  kDate = 1082,
+  kTimestamp = 1114,
+  kTimestamptz = 1184,
+  kNumeric = 1700,
+  kName = 19,
+};
+
+TipoCampo TipoDaOid(Oid t) {
+  switch (t) {
+    case kBool:
+      return TipoCampo::Booleano;
+    case kInt2:
+      return TipoCampo::Intero16;
+    case kInt4:
+    case kInt8:
+    case kOid:
+      return TipoCampo::Intero32;
+    case kFloat4:
+      return TipoCampo::Singolo;
+    case kFloat8:
+      return TipoCampo::Doppio;
+    case kNumeric:
+      return TipoCampo::Importo;
+    case kDate:
+    case kTimestamp:
+    case kTimestamptz:
+      return TipoCampo::Data;
+    default:
+      return TipoCampo::Testo;
+  }
+}
+
+Valore Converti(const char* z, int len, TipoCampo tipo) {
+  std::string s(z, static_cast<size_t>(len));
+  switch (tipo) {
+    case TipoCampo::Booleano:
+      return Valore(s == "t");
+    case TipoCampo::Intero16:
+    case TipoCampo::Intero32:
+      return Valore(static_cast<long long>(std::strtoll(s.c_str(), nullptr, 10)));
+    case TipoCampo::Singolo:
+    case TipoCampo::Doppio:
+      return Valore(std::strtod(s.c_str(), nullptr));
+    case TipoCampo::Importo: {
+      if (auto i = Importo::DaTestoPunto(s)) return Valore(*i);
+      return Valore(std::strtod(s.c_str(), nullptr));
+    }
+    case TipoCampo::Data: {
+      if (auto d = Data::DaTesto(s.substr(0, 10))) return Valore(*d);
+      return Valore(s);
+    }
+    default:
+      return Valore(std::move(s));
+  }
+}
+
+long NumeroDaSqlState(const char* st) {
+  if (!st) return -1;
+  long n = 0;
+  for (int i = 0; i < 5 && st[i]; ++i) {
+    char c = st[i];
+    int d = (c >= '0' && c <= '9') ? c - '0' : (c >= 'A' && c <= 'Z') ? c - 'A' + 10 : 0;
+    n = n * 36 + d;
+  }
+  return n;
+}
+
+struct Risultato {
+  PGresult* r;
+  explicit Risultato(PGresult* x) : r(x) {}
+  ~Risultato() {
+    if (r) PQclear(r);
+  }
+  Risultato(const Risultato&) = delete;
+  Risultato& operator=(const Risultato&) = delete;
+};
+
+class ConnessionePostgres final : public Connessione {
+ public:
+  explicit ConnessionePostgres(PGconn* c) : c_(c) {}
+  ~ConnessionePostgres() override { Close(); }
+
+  Motore motore() const override { return Motore::PostgreSQL; }
+  bool Aperta() const override { return c_ != nullptr && PQstatus(c_) == CONNECTION_OK; }
+  void Close() override {
+    if (c_) PQfinish(c_);
+    c_ = nullptr;
+    preparate_.clear();
+  }
+
+  void BeginTrans() override { Esegui("BEGIN"); }
+  void CommitTrans() override {
+    if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
+    Esegui("COMMIT");
+  }
+  void RollbackTrans() override {
+    if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
+    Esegui("ROLLBACK");
+  }
+  bool InTransazione() const override {
+    if (!c_) return false;
+    auto s = PQtransactionStatus(c_);
+    return s == PQTRANS_INTRANS || s == PQTRANS_INERROR;
+  }
+
+  std::vector<std::string> Tabelle() override {
+    std::vector<std::string> out;
+    auto rs = Execute(
+        "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema() ORDER BY table_name");
+    for (; !rs.Eof(); rs.MoveNext()) out.push_back(rs.Fields(0).Value().Str());
+    return out;
+  }
+  std::vector<Colonna> ColonneTabella(const std::string& t) override {
+    std::vector<Colonna> out;
+    auto rs = Execute(
+        "SELECT a.attname, a.atttypid::int4 FROM pg_attribute a WHERE a.attrelid = to_regclass(quote_ident(?)) "
+        "AND a.attnum > 0 AND NOT a.attisdropped ORDER BY a.attnum",
+        {LCase(t)});
+    for (; !rs.Eof(); rs.MoveNext())
+      out.push_back({rs.Fields(0).Value().Str(), TipoDaOid(static_cast<Oid>(rs.Fields(1).Value().Int()))});
+    return out;
+  }
+
+  void Scorri(std::string_view sql, const Parametri& p,
+              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
+    Assicura();
+    std::string s = Traduci(sql);
+    Testi t(p);
+    if (!PQsendQueryParams(c_, s.c_str(), t.n(), nullptr, t.valori(), nullptr, nullptr, 0)) ErroreConnessione();
+    PQsetSingleRowMode(c_);
+    std::vector<Colonna> cols;
+    bool continua = true;
+    std::string errore;
+    const char* stato = nullptr;
+    std::string statoS;
+    while (PGresult* r = PQgetResult(c_)) {
+      Risultato g(r);
+      auto st = PQresultStatus(r);
+      if (st == PGRES_SINGLE_TUPLE && continua) {
+        if (cols.empty()) cols = Colonne(r);
+        std::vector<Valore> row(cols.size());
+        for (int i = 0; i < static_cast<int>(cols.size()); ++i)
+          row[i] = PQgetisnull(r, 0, i) ? Valore::Null() : Converti(PQgetvalue(r, 0, i), PQgetlength(r, 0, i), cols[i].tipo);
+        try {
+          continua = riga(cols, row);
+        } catch (...) {
+          while (PGresult* rest = PQgetResult(c_)) PQclear(rest);
+          throw;
+        }
+      } else if (st == PGRES_FATAL_ERROR) {
+        errore = PQresultErrorMessage(r);
+        stato = PQresultErrorField(r, PG_DIAG_SQLSTATE);
+        if (stato) statoS = stato;
+      }
+    }
+    if (!errore.empty()) throw ErroreDb(NumeroDaSqlState(statoS.c_str()), Pulisci(errore), statoS);
+  }
+
+ protected:
+  std::string ColonnaRid() const override { return "ctid"; }
+
+  std::vector<std::string> LeggiChiave(const std::string& t) override {
+    std::vector<std::string> out;
+    // Written for the engine directly: the array brackets are not identifiers.
+    auto e = EseguiInterno(
+        "SELECT a.attname FROM pg_index i JOIN pg_attribute a ON a.attrelid = i.indrelid AND a.attnum = ANY(i.indkey) "
+        "WHERE i.indrelid = to_regclass(quote_ident($1)) AND i.indisprimary "
+        "ORDER BY array_position(i.indkey::int2[], a.attnum)",
+        {LCase(t)}, true);
+    for (auto& r : e.dati.rows) out.push_back(r[0].Str());
+    return out;
+  }
+
+  Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) override {
+    Assicura();
+    Esito e;
+    if (p.empty() && !DaPreparare(sql)) {
+      Risultato r(PQexec(c_, sql.c_str()));
+      Verifica(r.r);
+      Raccogli(r.r, e, righe);
+      return e;
+    }
+    Testi t(p);
+    for (int tentativo = 0;; ++tentativo) {
+      const std::string& nome = Preparata(sql, t.n());
+      Risultato r(PQexecPrepared(c_, nome.c_str(), t.n(), t.valori(), nullptr, nullptr, 0));
+      auto st = PQresultStatus(r.r);
+      if (st == PGRES_FATAL_ERROR && tentativo == 0) {
+        const char* code = PQresultErrorField(r.r, PG_DIAG_SQLSTATE);
+        // A cached plan whose tables changed shape: prepare it again once.
+        if (code && std::strcmp(code, "0A000") == 0 && !InTransazione()) {
+          Dimentica(sql);
+          continue;
+        }
+      }
+      Verifica(r.r);
+      Raccogli(r.r, e, righe);
+      return e;
+    }
+  }
+
+ private:
+  // Parameter values as text, the server infers their types.
+  struct Testi {
+    std::vector<std::string> s;
+    std::vector<const char*> v;
+    explicit Testi(const Parametri& p) {
+      s.reserve(p.size());
+      for (const auto& x : p) {
+        switch (x.tipo()) {
+          case Valore::Tipo::Vuoto:
+          case Valore::Tipo::Nullo:
+            s.emplace_back();
+            break;
+          case Valore::Tipo::Booleano:
+            s.push_back(x.Bool() ? "t" : "f");
+            break;
+          case Valore::Tipo::Intero:
+            s.push_back(std::to_string(x.Int()));
+            break;
+          case Valore::Tipo::Doppio: {
+            char b[40];
+            std::snprintf(b, sizeof b, "%.17g", x.Dbl());
+            s.push_back(b);
+            break;
+          }
+          case Valore::Tipo::Importo:
+            s.push_back(x.Imp().TestoPunto4());
+            break;
+          case Valore::Tipo::Testo:
+            s.push_back(x.Str());
+            break;
+          case Valore::Tipo::Data:
+            s.push_back(x.Dat().Iso());
+            break;
+        }
+      }
+      for (size_t i = 0; i < p.size(); ++i)
+        v.push_back(p[i].IsNull() || p[i].IsEmpty() ? nullptr : s[i].c_str());
+    }
+    int n() const { return static_cast<int>(v.size()); }
+    const char* const* valori() const { return v.empty() ? nullptr : v.data(); }
+  };
+
+  void Assicura() {
+    if (!c_) throw ErroreDb(3709, "La connessione non è aperta.");
+  }
+
+  static bool DaPreparare(const std::string& sql) {
+    size_t i = 0;
+    while (i < sql.size() && isspace(static_cast<unsigned char>(sql[i]))) ++i;
+    std::string head = UCase(sql.substr(i, 7));
+    if (!(head.rfind("SELECT", 0) == 0 || head.rfind("INSERT", 0) == 0 || head.rfind("UPDATE", 0) == 0 ||
+          head.rfind("DELETE", 0) == 0 || head.rfind("WITH", 0) == 0))
+      return false;
+    // Several statements cannot be prepared.
+    bool inStr = false;
+    for (size_t k = 0; k < sql.size(); ++k) {
+      if (sql[k] == '\'') inStr = !inStr;
+      if (sql[k] == ';' && !inStr) {
+        for (size_t j = k + 1; j < sql.size(); ++j)
+          if (!isspace(static_cast<unsigned char>(sql[j]))) return false;
+      }
+    }
+    return true;
+  }
+
+  const std::string& Preparata(const std::string& sql, int n) {
+    auto it = preparate_.find(sql);
+    if (it != preparate_.end()) return it->second;
+    if (preparate_.size() >= 256) {
+      Risultato d(PQexec(c_, "DEALLOCATE ALL"));
+      preparate_.clear();
+    }
+    std::string nome = "vs" + std::to_string(++contatore_);
+    Risultato r(PQprepare(c_, nome.c_str(), sql.c_str(), n, nullptr));
+    Verifica(r.r);
+    return preparate_[sql] = nome;
+  }
+
+  void Dimentica(const std::string& sql) {
+    auto it = preparate_.find(sql);
+    if (it == preparate_.end()) return;
+    Risultato d(PQexec(c_, ("DEALLOCATE " + it->second).c_str()));
+    preparate_.erase(it);
+  }
+
+  static std::string Pulisci(std::string m) {
+    while (!m.empty() && (m.back() == '\n' || m.back() == ' ')) m.pop_back();
+    return m;
+  }
+
+  [[noreturn]] void ErroreConnessione() {
+    std::string m = c_ ? PQerrorMessage(c_) : "connessione chiusa";
+    throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+  }
+
+  void Verifica(PGresult* r) {
+    if (!r) ErroreConnessione();
+    auto st = PQresultStatus(r);
+    if (st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK || st == PGRES_EMPTY_QUERY) return;
+    const char* code = PQresultErrorField(r, PG_DIAG_SQLSTATE);
+    std::string msg = Pulisci(PQresultErrorMessage(r));
+    if (msg.empty()) msg = Pulisci(PQerrorMessage(c_));
+    throw ErroreDb(NumeroDaSqlState(code), msg, code ? code : "");
+  }
+
+  static std::vector<Colonna> Colonne(PGresult* r) {
+    int n = PQnfields(r);
+    std::vector<Colonna> cols(n);
+    for (int i = 0; i < n; ++i) {
+      cols[i].nome = PQfname(r, i);
+      cols[i].tipo = TipoDaOid(PQftype(r, i));
+    }
+    return cols;
+  }
+
+  static void Raccogli(PGresult* r, Esito& e, bool righe) {
+    const char* tuples = PQcmdTuples(r);
+    e.righe = tuples && *tuples ? std::strtoll(tuples, nullptr, 10) : 0;
+    if (PQresultStatus(r) != PGRES_TUPLES_OK) return;
+    e.dati.cols = Colonne(r);
+    if (!righe) return;
+    int nr = PQntuples(r), nc = PQnfields(r);
+    e.dati.rows.reserve(static_cast<size_t>(nr));
+    for (int k = 0; k < nr; ++k) {
+      std::vector<Valore> row(static_cast<size_t>(nc));
+      for (int i = 0; i < nc; ++i)
+        row[i] = PQgetisnull(r, k, i) ? Valore::Null() : Converti(PQgetvalue(r, k, i), PQgetlength(r, k, i), e.dati.cols[i].tipo);
+      e.dati.rows.push_back(std::move(row));
+    }
+  }
+
+  PGconn* c_;
+  std::unordered_map<std::string, std::string> preparate_;
+  unsigned contatore_ = 0;
+};
+
+void AvvisoSilenzioso(void*, const PGresult*) {}
+
+}  // namespace
+
+std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& p) {
+  std::string host = p.host, port = p.port;
+  // "host:port" (not for a socket folder or an IPv6 address in brackets)
+  if (port.empty() && !host.empty() && host[0] != '/') {
+    auto c = host.rfind(':');
+    if (c != std::string::npos && host.find(':') == c) {
+      port = host.substr(c + 1);
+      host = host.substr(0, c);
+    }
+  }
+  std::vector<const char*> k, v;
+  std::string opts;
+  auto add = [&](const char* key, const std::string& val) {
+    if (val.empty()) return;
+    k.push_back(key);
+    v.push_back(val.c_str());
+  };
+  add("dbname", p.database);
+  add("host", host);
+  add("port", port);
+  add("user", p.user);
+  add("password", p.password);
+  if (!p.schema.empty()) opts = "-csearch_path=" + p.schema;
+  add("options", opts);
+  std::string appname = "vorn";
+  add("application_name", appname);
+  std::string timeout = "10";
+  add("connect_timeout", timeout);
+  std::string encoding = "UTF8";
+  add("client_encoding", encoding);
+  k.push_back(nullptr);
+  v.push_back(nullptr);
+  PGconn* c = PQconnectdbParams(k.data(), v.data(), 0);
+  if (!c) throw ErroreDb(NumeroDaSqlState("08001"), "Memoria insufficiente per la connessione.", "08001");
+  if (PQstatus(c) != CONNECTION_OK) {
+    std::string m = PQerrorMessage(c);
+    bool password = PQconnectionUsedPassword(c) || PQconnectionNeedsPassword(c);
+    PQfinish(c);
+    while (!m.empty() && (m.back() == '\n' || m.back() == ' ')) m.pop_back();
+    bool auth = m.find("password authentication failed") != std::string::npos ||
+                m.find("no password supplied") != std::string::npos || (password && m.find("authentication") != std::string::npos);
+    std::string st = auth ? "28P01" : m.find("does not exist") != std::string::npos ? "3D000" : "08001";
+    throw ErroreDb(NumeroDaSqlState(st.c_str()), m, st);
+  }
+  PQsetNoticeReceiver(c, AvvisoSilenzioso, nullptr);
+  return std::make_shared<ConnessionePostgres>(c);
+}
+
+}  // namespace vorn

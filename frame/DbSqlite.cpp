@@ -1,0 +1,405 @@
+// The SQLite engine: the embedded default, one company per file.
+#include <sqlite3.h>
+
+#include <cmath>
+#include <cstring>
+#include <list>
+#include <unordered_map>
+
+#include "frame/Db.h"
+#include "frame/Int128.h"
+
+namespace vorn {
+
+namespace {
+
+TipoCampo TipoDaDichiarato(const char* decl) {
+  if (!decl) return TipoCampo::Vuoto;
+  std::string d = UCase(decl);
+  if (d.rfind("NUMERIC(19,4)", 0) == 0 || d.rfind("MONEY", 0) == 0 || d.rfind("CURRENCY", 0) == 0 ||
+      d.rfind("DECIMAL", 0) == 0)
+    return TipoCampo::Importo;
+  if (d.rfind("DATE", 0) == 0 || d.rfind("TIMESTAMP", 0) == 0) return TipoCampo::Data;
+  if (d.rfind("BOOL", 0) == 0 || d == "BIT") return TipoCampo::Booleano;
+  if (d.rfind("SMALLINT", 0) == 0) return TipoCampo::Intero16;
+  if (d.find("INT") != std::string::npos) return TipoCampo::Intero32;
+  if (d.rfind("DOUBLE", 0) == 0) return TipoCampo::Doppio;
+  if (d.rfind("REAL", 0) == 0 || d.rfind("FLOAT", 0) == 0) return TipoCampo::Singolo;
+  if (d.rfind("MEMO", 0) == 0 || d.rfind("CLOB", 0) == 0) return TipoCampo::Memo;
+  return TipoCampo::Testo;
+}
+
+// Exact sum of amounts: values that carry at most four decimals are added as whole
+// ten-thousandths in 128 bits, so that millions of them add up to the last decimal; other
+// reals fall back to a compensated sum.
+struct StatoSomma {
+  Int128 scalato = 0;
+  long double kahan = 0, comp = 0;
+  int64_t interi = 0;
+  bool soloInteri = true, esatto = true, overflowInteri = false;
+  int64_t n = 0;
+};
+
+void SommaPasso(sqlite3_context* ctx, int, sqlite3_value** argv) {
+  auto* s = static_cast<StatoSomma*>(sqlite3_aggregate_context(ctx, sizeof(StatoSomma)));
+  if (!s) return;
+  int t = sqlite3_value_numeric_type(argv[0]);
+  if (t == SQLITE_NULL) return;
+  ++s->n;
+  long double v;
+  if (t == SQLITE_INTEGER) {
+    int64_t i = sqlite3_value_int64(argv[0]);
+    if (__builtin_add_overflow(s->interi, i, &s->interi)) s->overflowInteri = true;
+    s->scalato += static_cast<Int128>(i) * 10000;
+    v = static_cast<long double>(i);
+  } else {
+    s->soloInteri = false;
+    double d = sqlite3_value_double(argv[0]);
+    if (t != SQLITE_FLOAT) d = 0;  // text or blob that is not a number
+    long double r = static_cast<long double>(d) * 10000.0L;
+    long double rr = std::nearbyint(r);
+    long double tol = std::max(1e-4L, std::fabs(r) * 1e-15L);
+    if (std::fabs(r - rr) > tol || std::fabs(rr) > 9.2e18L) s->esatto = false;
+    else s->scalato += static_cast<Int128>(static_cast<int64_t>(rr));
+    v = d;
+  }
+  long double y = v - s->comp;
+  long double tt = s->kahan + y;
+  s->comp = (tt - s->kahan) - y;
+  s->kahan = tt;
+}
+
+void SommaFine(sqlite3_context* ctx, bool total) {
+  auto* s = static_cast<StatoSomma*>(sqlite3_aggregate_context(ctx, 0));
+  if (!s || s->n == 0) {
+    if (total) sqlite3_result_double(ctx, 0.0);
+    else sqlite3_result_null(ctx);
+    return;
+  }
+  if (s->soloInteri && !total) {
+    if (s->overflowInteri) sqlite3_result_error(ctx, "integer overflow", -1);
+    else sqlite3_result_int64(ctx, s->interi);
+    return;
+  }
+  if (s->esatto) {
+    Int128 q = s->scalato / 10000, r = s->scalato % 10000;
+    sqlite3_result_double(ctx, static_cast<double>(q) + static_cast<double>(r) / 10000.0);
+    return;
+  }
+  sqlite3_result_double(ctx, static_cast<double>(s->kahan));
+}
+void SommaFineSum(sqlite3_context* ctx) { SommaFine(ctx, false); }
+void SommaFineTotal(sqlite3_context* ctx) { SommaFine(ctx, true); }
+
+class ConnessioneSqlite final : public Connessione {
+ public:
+  ConnessioneSqlite(sqlite3* db) : db_(db) {}
+  ~ConnessioneSqlite() override { Close(); }
+
+  Motore motore() const override { return Motore::SQLite; }
+  bool Aperta() const override { return db_ != nullptr; }
+  void Close() override {
+    if (!db_) return;
+    for (auto& [k, st] : cache_) sqlite3_finalize(st);
+    cache_.clear();
+    ordine_.clear();
+    sqlite3_close_v2(db_);
+    db_ = nullptr;
+  }
+
+  void BeginTrans() override { Esegui("BEGIN IMMEDIATE"); }
+  void CommitTrans() override { Esegui("COMMIT"); }
+  void RollbackTrans() override { Esegui("ROLLBACK"); }
+  bool InTransazione() const override { return db_ && !sqlite3_get_autocommit(db_); }
+
+  std::vector<std::string> Tabelle() override {
+    std::vector<std::string> out;
+    auto rs = Execute("SELECT name FROM sqlite_master WHERE type IN ('table','view') AND name NOT LIKE 'sqlite_%' ORDER BY name");
+    for (; !rs.Eof(); rs.MoveNext()) out.push_back(rs.Fields(0).Value().Str());
+    return out;
+  }
+  std::vector<Colonna> ColonneTabella(const std::string& t) override {
+    std::vector<Colonna> out;
+    auto rs = Execute("SELECT name, type FROM pragma_table_info(?)", {t});
+    for (; !rs.Eof(); rs.MoveNext()) {
+      TipoCampo tc = TipoDaDichiarato(rs.Fields(1).Value().Str().c_str());
+      out.push_back({rs.Fields(0).Value().Str(), tc == TipoCampo::Vuoto ? TipoCampo::Testo : tc});
+    }
+    return out;
+  }
+
+  void Scorri(std::string_view sql, const Parametri& p,
+              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
+    std::string s = Traduci(sql);
+    sqlite3_stmt* st = Prepara(s, false);
+    Guardia g{st, false};
+    Lega(st, p);
+    std::vector<Colonna> cols = Colonne(st);
+    std::vector<Valore> row(cols.size());
+    for (;;) {
+      int rc = sqlite3_step(st);
+      if (rc == SQLITE_DONE) break;
+      if (rc != SQLITE_ROW) Errore(rc);
+      for (size_t i = 0; i < cols.size(); ++i) row[i] = Leggi(st, static_cast<int>(i), cols[i].tipo);
+      if (!riga(cols, row)) break;
+    }
+  }
+
+ protected:
+  std::string ColonnaRid() const override { return "rowid"; }
+
+  std::vector<std::string> LeggiChiave(const std::string& t) override {
+    std::vector<std::pair<int, std::string>> k;
+    auto rs = Execute("SELECT name, pk FROM pragma_table_info(?)", {t});
+    for (; !rs.Eof(); rs.MoveNext()) {
+      int64_t pk = rs.Fields(1).Value().Int();
+      if (pk > 0) k.push_back({static_cast<int>(pk), rs.Fields(0).Value().Str()});
+    }
+    std::sort(k.begin(), k.end());
+    std::vector<std::string> out;
+    for (auto& [n, name] : k) out.push_back(name);
+    return out;
+  }
+
+  Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) override {
+    if (!db_) throw ErroreDb(3709, "La connessione non è aperta.");
+    // A text of several statements (a schema script) runs statement by statement.
+    const char* tail = nullptr;
+    if (p.empty() && PiuIstruzioni(sql)) {
+      const char* z = sql.c_str();
+      Esito e;
+      while (z && *z) {
+        sqlite3_stmt* st = nullptr;
+        int rc = sqlite3_prepare_v2(db_, z, -1, &st, &tail);
+        if (rc != SQLITE_OK) Errore(rc);
+        if (!st) break;
+        Guardia g{st, false};
+        while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+        }
+        if (rc != SQLITE_DONE) Errore(rc);
+        e.righe += sqlite3_changes64(db_);
+        z = tail;
+      }
+      return e;
+    }
+    sqlite3_stmt* st = Prepara(sql, true);
+    Guardia g{st, true};
+    Lega(st, p);
+    Esito e;
+    e.dati.cols = Colonne(st);
+    std::vector<std::vector<sqlite3_value*>> dummy;
+    std::vector<int> senzaTipo;
+    for (size_t i = 0; i < e.dati.cols.size(); ++i)
+      if (e.dati.cols[i].tipo == TipoCampo::Vuoto) senzaTipo.push_back(static_cast<int>(i));
+    for (;;) {
+      int rc = sqlite3_step(st);
+      if (rc == SQLITE_DONE) break;
+      if (rc != SQLITE_ROW) Errore(rc);
+      if (!righe) continue;
+      std::vector<Valore> row(e.dati.cols.size());
+      for (size_t i = 0; i < row.size(); ++i) row[i] = Leggi(st, static_cast<int>(i), e.dati.cols[i].tipo);
+      e.dati.rows.push_back(std::move(row));
+    }
+    // Columns of expressions take the type of their first value.
+    for (int i : senzaTipo) {
+      TipoCampo t = TipoCampo::Testo;
+      for (auto& r : e.dati.rows) {
+        auto k = r[i].tipo();
+        if (k == Valore::Tipo::Nullo) continue;
+        t = k == Valore::Tipo::Intero ? TipoCampo::Intero32 : k == Valore::Tipo::Doppio ? TipoCampo::Doppio : TipoCampo::Testo;
+        break;
+      }
+      e.dati.cols[i].tipo = t;
+    }
+    e.righe = sqlite3_changes64(db_);
+    return e;
+  }
+
+ private:
+  struct Guardia {
+    sqlite3_stmt* st;
+    bool cached;
+    ~Guardia() {
+      if (cached) {
+        sqlite3_reset(st);
+        sqlite3_clear_bindings(st);
+      } else {
+        sqlite3_finalize(st);
+      }
+    }
+  };
+
+  static bool PiuIstruzioni(const std::string& sql) {
+    bool inStr = false;
+    for (size_t i = 0; i < sql.size(); ++i) {
+      char c = sql[i];
+      if (c == '\'') inStr = !inStr;
+      if (c == ';' && !inStr) {
+        for (size_t j = i + 1; j < sql.size(); ++j)
+          if (!isspace(static_cast<unsigned char>(sql[j]))) return true;
+        return false;
+      }
+    }
+    return false;
+  }
+
+  [[noreturn]] void Errore(int rc) {
+    int ext = db_ ? sqlite3_extended_errcode(db_) : rc;
+    std::string msg = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
+    (void)ext;
+    throw ErroreDb(rc, msg);
+  }
+
+  sqlite3_stmt* Prepara(const std::string& sql, bool cache) {
+    if (cache) {
+      auto it = cache_.find(sql);
+      if (it != cache_.end()) {
+        sqlite3_reset(it->second);
+        return it->second;
+      }
+    }
+    sqlite3_stmt* st = nullptr;
+    int rc = sqlite3_prepare_v3(db_, sql.c_str(), static_cast<int>(sql.size()), cache ? SQLITE_PREPARE_PERSISTENT : 0, &st, nullptr);
+    if (rc != SQLITE_OK) {
+      if (st) sqlite3_finalize(st);
+      Errore(rc);
+    }
+    if (!st) throw ErroreDb(SQLITE_MISUSE, "Istruzione SQL vuota.");
+    if (cache) {
+      if (cache_.size() >= 256) {
+        std::string vecchia = ordine_.front();
+        ordine_.pop_front();
+        sqlite3_finalize(cache_[vecchia]);
+        cache_.erase(vecchia);
+      }
+      cache_[sql] = st;
+      ordine_.push_back(sql);
+    }
+    return st;
+  }
+
+  void Lega(sqlite3_stmt* st, const Parametri& p) {
+    int n = sqlite3_bind_parameter_count(st);
+    if (n != static_cast<int>(p.size()))
+      throw ErroreDb(SQLITE_RANGE, "Numero di parametri errato: attesi " + std::to_string(n) + ", dati " + std::to_string(p.size()));
+    for (int i = 0; i < n; ++i) {
+      const Valore& v = p[i];
+      int rc = SQLITE_OK;
+      switch (v.tipo()) {
+        case Valore::Tipo::Vuoto:
+        case Valore::Tipo::Nullo:
+          rc = sqlite3_bind_null(st, i + 1);
+          break;
+        case Valore::Tipo::Booleano:
+          rc = sqlite3_bind_int(st, i + 1, v.Bool() ? 1 : 0);
+          break;
+        case Valore::Tipo::Intero:
+          rc = sqlite3_bind_int64(st, i + 1, v.Int());
+          break;
+        case Valore::Tipo::Doppio:
+          rc = sqlite3_bind_double(st, i + 1, v.Dbl());
+          break;
+        case Valore::Tipo::Importo:
+          if (v.Imp().Raw() % Importo::kScala == 0) rc = sqlite3_bind_int64(st, i + 1, v.Imp().Raw() / Importo::kScala);
+          else rc = sqlite3_bind_double(st, i + 1, v.Imp().ToDouble());
+          break;
+        case Valore::Tipo::Testo:
+          rc = sqlite3_bind_text(st, i + 1, v.Str().data(), static_cast<int>(v.Str().size()), SQLITE_TRANSIENT);
+          break;
+        case Valore::Tipo::Data: {
+          std::string iso = v.Dat().Iso();
+          rc = sqlite3_bind_text(st, i + 1, iso.data(), static_cast<int>(iso.size()), SQLITE_TRANSIENT);
+          break;
+        }
+      }
+      if (rc != SQLITE_OK) Errore(rc);
+    }
+  }
+
+  static std::vector<Colonna> Colonne(sqlite3_stmt* st) {
+    int n = sqlite3_column_count(st);
+    std::vector<Colonna> cols(n);
+    for (int i = 0; i < n; ++i) {
+      cols[i].nome = sqlite3_column_name(st, i);
+      cols[i].tipo = TipoDaDichiarato(sqlite3_column_decltype(st, i));
+    }
+    return cols;
+  }
+
+  static Valore Leggi(sqlite3_stmt* st, int i, TipoCampo tipo) {
+    int t = sqlite3_column_type(st, i);
+    if (t == SQLITE_NULL) return Valore::Null();
+    auto testo = [&] {
+      const unsigned char* z = sqlite3_column_text(st, i);
+      return std::string(reinterpret_cast<const char*>(z), static_cast<size_t>(sqlite3_column_bytes(st, i)));
+    };
+    switch (tipo) {
+      case TipoCampo::Importo:
+        if (t == SQLITE_INTEGER) return Valore(Importo(sqlite3_column_int64(st, i)));
+        if (t == SQLITE_FLOAT) return Valore(Importo::DaDouble(sqlite3_column_double(st, i)));
+        {
+          Valore v(testo());
+          auto imp = v.ComeImporto();
+          return imp ? Valore(*imp) : v;
+        }
+      case TipoCampo::Data: {
+        std::string s = testo();
+        auto d = Data::DaTesto(s);
+        return d ? Valore(*d) : Valore(s);
+      }
+      case TipoCampo::Booleano:
+        if (t == SQLITE_INTEGER) return Valore(sqlite3_column_int64(st, i) != 0);
+        return Valore(Valore(testo()).Vero());
+      case TipoCampo::Intero16:
+      case TipoCampo::Intero32:
+        if (t == SQLITE_INTEGER) return Valore(static_cast<long long>(sqlite3_column_int64(st, i)));
+        if (t == SQLITE_FLOAT) return Valore(sqlite3_column_double(st, i));
+        return Valore(testo());
+      case TipoCampo::Singolo:
+      case TipoCampo::Doppio:
+        if (t == SQLITE_INTEGER || t == SQLITE_FLOAT) return Valore(sqlite3_column_double(st, i));
+        return Valore(testo());
+      case TipoCampo::Testo:
+      case TipoCampo::Memo:
+        return Valore(testo());
+      case TipoCampo::Vuoto:
+        if (t == SQLITE_INTEGER) return Valore(static_cast<long long>(sqlite3_column_int64(st, i)));
+        if (t == SQLITE_FLOAT) return Valore(sqlite3_column_double(st, i));
+        return Valore(testo());
+    }
+    return Valore(testo());
+  }
+
+  sqlite3* db_;
+  std::unordered_map<std::string, sqlite3_stmt*> cache_;
+  std::list<std::string> ordine_;
+};
+
+}  // namespace
+
+std::shared_ptr<Connessione> Connessione::ApriSqlite(const std::string& file, const OpzioniSqlite& o) {
+  sqlite3* db = nullptr;
+  int flags = (o.solaLettura ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+  if (o.crea && !o.solaLettura) flags |= SQLITE_OPEN_CREATE;
+  int rc = sqlite3_open_v2(file.c_str(), &db, flags, nullptr);
+  if (rc != SQLITE_OK) {
+    std::string msg = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+    if (db) sqlite3_close_v2(db);
+    throw ErroreDb(rc, msg + ": " + file);
+  }
+  auto cn = std::make_shared<ConnessioneSqlite>(db);
+  sqlite3_busy_timeout(db, o.attesaMs);
+  sqlite3_extended_result_codes(db, 0);
+  sqlite3_create_function_v2(db, "sum", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, nullptr, SommaPasso, SommaFineSum, nullptr);
+  sqlite3_create_function_v2(db, "total", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, nullptr, SommaPasso, SommaFineTotal, nullptr);
+  // Reading the schema proves that the file is a database and that no other process holds
+  // it exclusively.
+  cn->Esegui("SELECT count(*) FROM sqlite_master");
+  if (!o.solaLettura) {
+    cn->Execute("PRAGMA journal_mode=WAL");
+    cn->Esegui("PRAGMA synchronous=FULL");
+  }
+  return cn;
+}
+
+}  // namespace vorn

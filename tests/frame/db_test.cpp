@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "frame/Db.h"
+#include "support/Motori.h"
+
+using namespace vorn;
+using namespace vorn::test;
+
+class DataLayer : public DbTest {
+ protected:
+  void Tabella() {
+    cn->Esegui(
+        "CREATE TABLE [Anagrafica Prova] ([Codice Cliente] TEXT NOT NULL PRIMARY KEY, [Ragione Sociale] TEXT, "
+        "[Saldo Dare] NUMERIC(19,4), [Data Nascita] DATE, [Attivo] BOOLEAN, [Numero] INTEGER, [Cambio] DOUBLE PRECISION, "
+        "[clientName] TEXT, [hWnd] INTEGER)");
+  }
+};
+
+TEST_P(DataLayer, FieldTypesRoundTrip) {
+  Tabella();
+  auto rs = cn->Apri("Anagrafica Prova", "[Codice Cliente] = ?", {"X"});
+  EXPECT_TRUE(rs.Eof());
+  rs.AddNew();
+  rs("Codice Cliente") = "O'Brien";
+  rs("ragione sociale") = "Rossi & Figli S.r.l.";
+  rs("Saldo Dare") = Importo::DaRaw(-123456789012345);  // -12.345.678.901,2345
+  rs("Data Nascita") = "15/03/2025";
+  rs("Attivo") = true;
+  rs("Numero") = 42;
+  rs("Cambio") = 1936.27;
+  rs.Update();
+  rs.Close();
+
+  auto r = cn->Execute("SELECT * FROM [Anagrafica Prova] WHERE [Codice Cliente] = ?", {"O'Brien"});
+  ASSERT_FALSE(r.Eof());
+  EXPECT_EQ(r("Ragione Sociale").Value().Str(), "Rossi & Figli S.r.l.");
+  EXPECT_EQ(r("Saldo Dare").Type(), TipoCampo::Importo);
+  EXPECT_EQ(r("Saldo Dare").Value().Imp().Raw(), -123456789012345);
+  EXPECT_EQ(r("Data Nascita").Type(), TipoCampo::Data);
+  EXPECT_EQ(r("Data Nascita").Value().Dat().Testo(), "15/03/2025");
+  EXPECT_EQ(r("Attivo").Type(), TipoCampo::Booleano);
+  EXPECT_TRUE(r("Attivo").Value().Bool());
+  EXPECT_EQ(r("Numero").Value().Int(), 42);
+  EXPECT_DOUBLE_EQ(r("Cambio").Value().Dbl(), 1936.27);
+  EXPECT_TRUE(r("clientName").IsNull());
+}
+
+TEST_P(DataLayer, UpdateAndDeleteByKey) {
+  Tabella();
+  for (const char* c : {"A", "B", "C"}) cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES (?)", {c});
+  auto rs = cn->Apri("Anagrafica Prova", "", {}, "[Codice Cliente]");
+  ASSERT_EQ(rs.RecordCount(), 3u);
+  rs.MoveNext();
+  rs("Ragione Sociale") = "Bi";
+  EXPECT_EQ(rs.EditMode(), adEditInProgress);
+  rs.Update();
+  rs.MoveNext();
+  rs.Delete();
+  rs.Close();
+  auto r = cn->Execute("SELECT [Codice Cliente], [Ragione Sociale] FROM [Anagrafica Prova] ORDER BY 1");
+  ASSERT_EQ(r.RecordCount(), 2u);
+  r.MoveNext();
+  EXPECT_EQ(r("Ragione Sociale").Value().Str(), "Bi");
+}
+
+TEST_P(DataLayer, TableWithoutKeyUpdatesByRowIdentity) {
+  cn->Esegui("CREATE TABLE [Parametri] ([Valore] TEXT, [clientName] TEXT)");
+  cn->Esegui("INSERT INTO [Parametri] ([Valore]) VALUES ('uno')");
+  auto rs = cn->Apri("Parametri");
+  rs("Valore") = "due";
+  rs.Update();
+  rs("clientName") = "pc1";
+  rs.Update();
+  EXPECT_EQ(cn->Scalare("SELECT [Valore] || [clientName] FROM [Parametri]").Str(), "duepc1");
+}
+
+TEST_P(DataLayer, RolledBackTransactionLeavesNothing) {
+  Tabella();
+  cn->BeginTrans();
+  cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES ('A')");
+  cn->RollbackTrans();
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Anagrafica Prova]").Int(), 0);
+  {
+    Atomico a(*cn);
+    cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES ('B')");
+  }
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Anagrafica Prova]").Int(), 0);
+  // Inside a caller's transaction a failing step undoes only itself.
+  cn->BeginTrans();
+  cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES ('C')");
+  try {
+    Atomico a(*cn);
+    cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES ('D')");
+    cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente]) VALUES ('C')");  // duplicate key
+    a.Conferma();
+  } catch (const ErroreDb&) {
+  }
+  cn->CommitTrans();
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Anagrafica Prova]").Int(), 1);
+}
+
+TEST_P(DataLayer, MillionAmountsSumExactly) {
+  cn->Esegui("CREATE TABLE [Righe] ([Importo] NUMERIC(19,4))");
+  std::mt19937_64 rnd(20261121);
+  std::uniform_int_distribution<int64_t> cents(-99999999, 99999999);  // up to 999.999,99
+  int64_t atteso = 0;  // in cents
+  const int n = 1000000;
+  const int lotto = 500;
+  std::string sql = "INSERT INTO [Righe] ([Importo]) VALUES (?)";
+  for (int k = 1; k < lotto; ++k) sql += ", (?)";
+  cn->BeginTrans();
+  Parametri p(lotto);
+  for (int i = 0; i < n; i += lotto) {
+    for (int k = 0; k < lotto; ++k) {
+      int64_t c = cents(rnd);
+      atteso += c;
+      p[k] = Importo::DaRaw(c * 100);
+    }
+    cn->Esegui(sql, p);
+  }
+  cn->CommitTrans();
+  Valore s = cn->Scalare("SELECT sum([Importo]) FROM [Righe]");
+  auto imp = s.ComeImporto();
+  ASSERT_TRUE(imp.has_value());
+  EXPECT_EQ(imp->Raw(), atteso * 100);
+}
+
+VORN_SU_DUE_MOTORI(DataLayer);
