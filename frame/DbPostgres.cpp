@@ -188,10 +188,14 @@ class ConnessionePostgres final : public Connessione {
 
   std::vector<std::string> LeggiChiave(const std::string& t) override {
     std::vector<std::string> out;
-    // Written for the engine directly: the array brackets are not identifiers.
+    // The primary key, or else the first unique key that treats nulls as equal (key columns
+    // of old archives may hold nulls). Written for the engine directly: the array brackets
+    // are not identifiers.
     auto e = EseguiInterno(
         "SELECT a.attname FROM pg_index i JOIN pg_attribute a ON a.attrelid = i.indrelid AND a.attnum = ANY(i.indkey) "
-        "WHERE i.indrelid = to_regclass(quote_ident($1)) AND i.indisprimary "
+        "WHERE i.indexrelid = (SELECT i2.indexrelid FROM pg_index i2 WHERE i2.indrelid = to_regclass(quote_ident($1)) "
+        "AND (i2.indisprimary OR (i2.indisunique AND i2.indnullsnotdistinct)) "
+        "ORDER BY i2.indisprimary DESC, i2.indexrelid LIMIT 1) "
         "ORDER BY array_position(i.indkey::int2[], a.attnum)",
         {LCase(t)}, true);
     for (auto& r : e.dati.rows) out.push_back(r[0].Str());

@@ -128,3 +128,19 @@ TEST_P(DataLayer, MillionAmountsSumExactly) {
 }
 
 VORN_SU_DUE_MOTORI(DataLayer);
+
+class DataLayerNullKey : public DbTest {};
+TEST_P(DataLayerNullKey, KeyWithNullPartsUpdatesTheRightRow) {
+  if (Pg())
+    cn->Esegui("CREATE TABLE [Conti] ([Gruppo] TEXT, [Conto] TEXT, [Descrizione] TEXT, UNIQUE NULLS NOT DISTINCT ([Gruppo], [Conto]))");
+  else
+    cn->Esegui("CREATE TABLE [Conti] ([Gruppo] TEXT, [Conto] TEXT, [Descrizione] TEXT, PRIMARY KEY ([Gruppo], [Conto]))");
+  cn->Esegui("INSERT INTO [Conti] VALUES ('01', NULL, 'nullo'), ('01', '', 'vuoto')");
+  auto rs = cn->Apri("Conti", "[Conto] IS NULL");
+  ASSERT_FALSE(rs.Eof());
+  rs("Descrizione") = "nullo2";
+  rs.Update();
+  EXPECT_EQ(cn->Scalare("SELECT [Descrizione] FROM [Conti] WHERE [Conto] = ''").Str(), "vuoto");
+  EXPECT_EQ(cn->Scalare("SELECT [Descrizione] FROM [Conti] WHERE [Conto] IS NULL").Str(), "nullo2");
+}
+VORN_SU_DUE_MOTORI(DataLayerNullKey);
