@@ -1,0 +1,58 @@
+#include "company/LetturaAzienda.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "frame/VornServer.h"
+
+namespace vorn::azienda {
+
+Valore LeggiCampoAz(Recordset& rs, std::string_view colonna, const Valore& predefinito) {
+  Campo& c = rs.Fields(colonna);
+  const Valore& v = c.Value();
+  if (v.IsNull()) return predefinito;
+  if (TipoCarattere(c.TypeNumber()) || v.IsText()) return Valore(Trim(v.Testo()));
+  return v;
+}
+
+int InteroDi(const Valore& v) {
+  if (auto i = v.ComeIntero()) return static_cast<int>(*i);
+  return static_cast<int>(Val(v.Testo()));
+}
+
+double DoubleDi(const Valore& v) {
+  if (auto d = v.ComeDouble()) return *d;
+  return Val(v.Testo());
+}
+
+std::string PrimiCaratteri(const std::string& s, size_t n) {
+  size_t i = 0, contati = 0;
+  while (i < s.size() && contati < n) {
+    unsigned char c = static_cast<unsigned char>(s[i]);
+    size_t l = c < 0x80 ? 1 : (c >> 5) == 6 ? 2 : (c >> 4) == 14 ? 3 : (c >> 3) == 30 ? 4 : 1;
+    i += l;
+    ++contati;
+  }
+  return s.substr(0, std::min(i, s.size()));
+}
+
+Recordset ApriRigaUnica(Connessione& cn, const std::string& tabella) {
+  return cn.Execute("SELECT [" + tabella + "].* FROM [" + tabella + "] LIMIT 1;");
+}
+
+bool SalvaRigaUnica(Connessione& cn, const std::string& tabella, const std::vector<std::string>& colonne,
+                    const std::map<std::string, Valore>& valori, const Valore& clientID, long hWnd, bool& Cancel) {
+  std::vector<std::pair<std::string, Valore>> daScrivere;
+  for (const auto& [nome, valore] : valori) {
+    const std::string* trovata = nullptr;
+    for (const auto& c : colonne)
+      if (UgualeNoCase(c, nome)) trovata = &c;
+    if (!trovata) throw ErroreDb(0, "Colonna non prevista nel salvataggio di " + tabella + ": " + nome);
+    daScrivere.emplace_back(*trovata, valore);
+  }
+  return SalvaRecordProtocollo(cn, tabella, {}, {}, clientID, hWnd, Cancel, [&](Recordset& rs, bool) {
+    for (const auto& [nome, valore] : daScrivere) rs(nome) = valore;
+  });
+}
+
+}  // namespace vorn::azienda
