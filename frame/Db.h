@@ -116,6 +116,7 @@ class Recordset {
   Campo& Fields(std::string_view nome);
   Campo& Fields(int i);
   Campo& operator()(std::string_view nome) { return Fields(nome); }
+  Campo& operator()(int i) { return Fields(i); }
   const std::vector<Colonna>& Colonne() const { return cols_; }
 
   bool Modificabile() const { return !tabella_.empty(); }

@@ -373,12 +373,16 @@ void AvvisoSilenzioso(void*, const PGresult*) {}
 
 std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& p) {
   std::string host = p.host, port = p.port;
-  // "host:port" (not for a socket folder or an IPv6 address in brackets)
-  if (port.empty() && !host.empty() && host[0] != '/') {
+  // "host:port", "/socket/folder:port" or "[::1]:port"
+  if (port.empty()) {
     auto c = host.rfind(':');
-    if (c != std::string::npos && host.find(':') == c) {
+    bool cifre = c != std::string::npos && c + 1 < host.size() &&
+                 host.find_first_not_of("0123456789", c + 1) == std::string::npos;
+    bool ipv6Nudo = c != std::string::npos && host[0] != '[' && host[0] != '/' && host.find(':') != c;
+    if (cifre && !ipv6Nudo) {
       port = host.substr(c + 1);
       host = host.substr(0, c);
+      if (host.size() > 2 && host.front() == '[' && host.back() == ']') host = host.substr(1, host.size() - 2);
     }
   }
   std::vector<const char*> k, v;
