@@ -1,0 +1,214 @@
+#include "cli/Comandi.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+
+#include "frame/Globali.h"
+#include "frame/Valore.h"
+
+namespace vorn::cli {
+
+const char* const kUsoAzienda =
+    "L'azienda: un file SQLite (FILE), oppure un database PostgreSQL con\n"
+    "  --pg-database NOME  [--pg-host HOST[:PORTA]]  [--pg-user UTENTE]\n"
+    "  (la password da VORN_PG_PASSWORD, altrimenti chiesta sul terminale senza eco)\n";
+
+std::optional<std::string> Argomenti::Opzione(const std::string& nome) {
+  for (size_t i = 0; i < a_.size(); ++i) {
+    if (a_[i] == nome) {
+      if (i + 1 >= a_.size()) throw ErroreUso("manca il valore di " + nome);
+      std::string v = a_[i + 1];
+      a_.erase(a_.begin() + static_cast<long>(i), a_.begin() + static_cast<long>(i) + 2);
+      return v;
+    }
+    if (a_[i].rfind(nome + "=", 0) == 0) {
+      std::string v = a_[i].substr(nome.size() + 1);
+      a_.erase(a_.begin() + static_cast<long>(i));
+      return v;
+    }
+  }
+  return std::nullopt;
+}
+
+bool Argomenti::Flag(const std::string& nome) {
+  for (size_t i = 0; i < a_.size(); ++i)
+    if (a_[i] == nome) {
+      a_.erase(a_.begin() + static_cast<long>(i));
+      return true;
+    }
+  return false;
+}
+
+std::optional<std::string> Argomenti::PosizionaleFacoltativo() {
+  for (size_t i = 0; i < a_.size(); ++i) {
+    if (a_[i].size() > 1 && a_[i].rfind("--", 0) == 0) continue;
+    std::string v = a_[i];
+    a_.erase(a_.begin() + static_cast<long>(i));
+    return v;
+  }
+  return std::nullopt;
+}
+
+std::string Argomenti::Posizionale(const std::string& descrizione) {
+  auto v = PosizionaleFacoltativo();
+  if (!v) throw ErroreUso("manca " + descrizione);
+  return *v;
+}
+
+void Argomenti::Fine() const {
+  if (!a_.empty()) throw ErroreUso("argomento non previsto: " + a_.front());
+}
+
+namespace {
+std::map<std::string, Comando>& Mappa() {
+  static std::map<std::string, Comando> m;
+  return m;
+}
+}  // namespace
+
+void Registra(Comando c) { Mappa()[c.nome] = std::move(c); }
+const std::map<std::string, Comando>& Registro() { return Mappa(); }
+
+std::string AziendaCli::Descrizione() const {
+  if (!postgres) return file;
+  return "PostgreSQL " + pg.database + (pg.host.empty() ? "" : "@" + pg.host);
+}
+
+AziendaCli LeggiAzienda(Argomenti& a) {
+  AziendaCli az;
+  auto db = a.Opzione("--pg-database");
+  auto host = a.Opzione("--pg-host");
+  auto user = a.Opzione("--pg-user");
+  if (db) {
+    az.postgres = true;
+    az.pg.database = *db;
+    az.pg.host = host.value_or("");
+    az.pg.user = user.value_or("");
+    if (const char* p = std::getenv("VORN_PG_PASSWORD")) az.pg.password = p;
+    else az.pg.password = LeggiPasswordNascosta("Password PostgreSQL: ");
+    return az;
+  }
+  if (host || user) throw ErroreUso("--pg-host e --pg-user vanno con --pg-database");
+  az.file = a.Posizionale("il file dell'azienda (FILE)");
+  return az;
+}
+
+std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az) {
+  auto db = std::make_unique<clsDB>();
+  bool ok;
+  if (az.postgres) {
+    std::string server = az.pg.host;
+    if (!az.pg.port.empty()) server += ":" + az.pg.port;
+    ok = db->ConnettiDatabasePostgreSQL(Valore(az.pg.database), Valore(server), Valore(az.pg.user), Valore(az.pg.password));
+  } else {
+    ok = db->ConnettiDatabaseSQLite(Valore(az.file), Valore());
+  }
+  if (!ok) throw ErroreComando("");  // the host has already said why
+  return db;
+}
+
+namespace {
+
+void Aiuto(std::ostream& out) {
+  out << "vorn " << VORN_VERSION << ": il motore contabile da riga di comando.\n\n"
+      << "Uso: vorn [--cartella DIR] [--si|--no] COMANDO [ARGOMENTI]\n\n"
+      << "Comandi:\n";
+  for (const auto& [nome, c] : Registro()) {
+    std::string n = nome;
+    n.resize(std::max<size_t>(22, n.size()), ' ');
+    out << "  " << n << c.sintesi << "\n";
+  }
+  out << "\nOpzioni generali:\n"
+      << "  --cartella DIR        cartella dell'applicazione (le stampe vanno in DIR/Temp);\n"
+      << "                        predefinita: $VORN_CARTELLA, $XDG_DATA_HOME/vorn o ~/.local/share/vorn\n"
+      << "  --si, --no            risposta alle domande in uso non interattivo\n"
+      << "  --help, --version\n\n"
+      << kUsoAzienda << "\nvorn COMANDO --help descrive ogni comando.\n";
+}
+
+}  // namespace
+
+int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* err) {
+  std::vector<std::string> args;
+  std::optional<int> risposta;
+  std::string cartella;
+  bool aiuto = false;
+  for (size_t i = 0; i < argv.size(); ++i) {
+    const std::string& a = argv[i];
+    if (a == "--si" || a == "--sì") risposta = vbYes;
+    else if (a == "--no") risposta = vbNo;
+    else if (a == "--help" || a == "-h") aiuto = true;
+    else if (a == "--cartella" && i + 1 < argv.size()) cartella = argv[++i];
+    else if (a.rfind("--cartella=", 0) == 0) cartella = a.substr(11);
+    else args.push_back(a);
+  }
+  if (!args.empty() && args[0] == "--version") {
+    out << "vorn " << VORN_VERSION << "\n";
+    return 0;
+  }
+  if (args.empty()) {
+    Aiuto(out);
+    return aiuto ? 0 : 2;
+  }
+  const Comando* cmd = nullptr;
+  size_t consumati = 0;
+  if (args.size() >= 2) {
+    auto it = Registro().find(args[0] + " " + args[1]);
+    if (it != Registro().end()) {
+      cmd = &it->second;
+      consumati = 2;
+    }
+  }
+  if (!cmd) {
+    auto it = Registro().find(args[0]);
+    if (it != Registro().end()) {
+      cmd = &it->second;
+      consumati = 1;
+    }
+  }
+  if (!cmd) {
+    std::fprintf(err, "vorn: comando sconosciuto: %s (vorn --help elenca i comandi)\n", args[0].c_str());
+    return 2;
+  }
+  if (aiuto) {
+    out << "vorn " << cmd->nome << ": " << cmd->sintesi << "\n\n" << cmd->uso;
+    return 0;
+  }
+  if (cartella.empty()) cartella = HostConsole::CartellaPredefinita();
+  HostConsole host(cartella, risposta, err);
+  FormConsole form(err);
+  ImpostaHost(&host);
+  Argomenti a(std::vector<std::string>(args.begin() + static_cast<long>(consumati), args.end()));
+  Contesto ctx{a, host, form, out, cartella};
+  int rc;
+  try {
+    rc = cmd->esegui(ctx);
+  } catch (const ErroreUso& e) {
+    form.Fine();
+    std::fprintf(err, "vorn %s: %s (vorn %s --help)\n", cmd->nome.c_str(), e.what(), cmd->nome.c_str());
+    rc = 2;
+  } catch (const ErroreComando& e) {
+    form.Fine();
+    if (*e.what()) std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    rc = 1;
+  } catch (const DomandaSenzaRisposta& e) {
+    form.Fine();
+    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    rc = 1;
+  } catch (const ErroreDb& e) {
+    form.Fine();
+    std::fprintf(err, "vorn %s: errore del database %ld: %s\n", cmd->nome.c_str(), e.Numero(), e.Descrizione().c_str());
+    rc = 1;
+  } catch (const std::exception& e) {
+    form.Fine();
+    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    rc = 1;
+  }
+  form.Fine();
+  ImpostaHost(nullptr);
+  if (G().ConnessioneGlobale) G().ConnessioneGlobale.reset();
+  return rc;
+}
+
+}  // namespace vorn::cli
