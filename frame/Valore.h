@@ -1,6 +1,7 @@
 // The variant value through which columns, arguments and outputs travel.
 #pragma once
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -78,6 +79,10 @@ class Valore {
  private:
   std::variant<std::monostate, Nullo, bool, int64_t, double, vorn::Importo, std::string, vorn::Data> v_;
 };
+
+// One record of named values, keyed by the archives' column names: how an operation that
+// stores dozens of columns takes them.
+using RecordValori = std::map<std::string, Valore>;
 
 // Numeric text of the Italian locale (comma decimal, point thousands), normalised to a text
 // with a point as decimal mark. A point that cannot group thousands is taken as a decimal
