@@ -1,0 +1,657 @@
+#include "frame/Catalogo.h"
+
+#include <stdexcept>
+
+namespace vorn {
+
+namespace {
+
+// Column kinds in the definitions below: a name alone is text; a suffix gives the kind.
+//   :imp   amount, fixed point with four decimals     :dbl   double (rates, percentages, asset figures)
+//   :int   32-bit integer (counts, numbers, years)    :int16 16-bit integer (decimals, months, modes)
+//   :sng   single                                     :data  date
+//   :bool  boolean                                    :memo  long text
+enum Righe { PiuRighe, UnaRiga };
+enum Timbri { NoTimbro, Timbro };
+
+struct DefTabella {
+  const char* nome;
+  Righe righe;
+  Timbri timbro;
+  std::vector<const char*> chiave;
+  std::vector<const char*> colonne;
+};
+
+// clang-format off
+const std::vector<DefTabella>& Definizioni() {
+  static const std::vector<DefTabella> d = {
+
+    // Company and set-up
+    {"Tabella Azienda", UnaRiga, Timbro,
+     {},
+     {"Rappresentante Azienda", "Partita IVA", "Codice Fiscale", "Codice Nazione", "Codice Attività",
+      "Attività Esercitata", "Indirizzo", "Citta", "Provincia", "Cap", "Telefono", "Fax",
+      "Indirizzo esercizio", "Citta esercizio", "Provincia esercizio", "CAP esercizio",
+      "Telefono esercizio", "Fax esercizio", "Capitale Sociale:dbl", "E-mail", "Sito Web",
+      "IndTipoSoggettoFE", "CodiceUnivocoFE", "PEC", "Ragione Sociale", "Iscrizione Tribunale",
+      "Iscrizione CCIAA riforma", "Valuta di conto", "Simbolo valuta conto", "Descrizione valuta conto",
+      "Cambio fisso LIRE/EURO:dbl", "Data reale passaggio EURO:data", "Data logica passaggio EURO:data",
+      "Codice valuta EURO", "Codice valuta LIRE", "Decimali importi:int16", "Decimali cambi:int16",
+      "Mese chiusura fiscale:int16", "IAutorizBolliVirt", "ModalitaContabilizzEffetti:int16",
+      "Decimali quantità:int16", "Decimali prezzi valuta conto:int16", "Codice Iva Standard",
+      "Perc Ritenuta:dbl", "Perc Imponibile Ritenuta:dbl", "Perc Enasarco:dbl", "Mass Enasarco:imp",
+      "SottocontoClienti", "SottocontoFornitori", "SottocontoBanca", "Codice Iva Art 15",
+      "Codice Iva Spese Incasso", "Contropartita costo", "Contropartita ricavo", "ArchivioContropartite",
+      "TelefonoSedeLegale", "IndirizzoSedeAmmin", "CapSedeAmmin", "LocalitaSedeAmmin",
+      "ProvinciaSedeAmmin", "TelefonoSedeAmmin", "SiglaSocieta", "DataCostituzione:data", "StatoSocieta",
+      "NaturaGiuridica", "SituazioneSocieta", "DataApprovazBilancio:data", "TermineApprovBilancio",
+      "IndirizzoResidenza", "CapResidenza", "LocalitaResidenza", "ProvinciaResidenza", "TelefonoResidenza",
+      "ObbligoIscrizioneREA:bool", "ProvinciaREA", "NumeroIscrizioneREA", "SocioUnico:bool",
+      "RegimeFiscaleFattPA"}},
+    {"Tabella Azienda Vorn", UnaRiga, Timbro,
+     {},
+     {"IndPersonaFisica", "IndirizzoSedeLegale", "CapSedeLegale", "LocalitaSedeLegale",
+      "ProvinciaSedeLegale", "TelefonoSedeLegale", "IndirizzoSedeAmmin", "CapSedeAmmin",
+      "LocalitaSedeAmmin", "ProvinciaSedeAmmin", "TelefonoSedeAmmin", "SiglaSocieta",
+      "DataCostituzione:data", "StatoSocieta", "NaturaGiuridica", "SituazioneSocieta",
+      "DataApprovazBilancio:data", "TermineApprovBilancio", "IndirizzoResidenza", "CapResidenza",
+      "LocalitaResidenza", "ProvinciaResidenza", "TelefonoResidenza", "Nome", "Cognome",
+      "DataDiNascita:data", "Sesso", "LuogoDiNascita", "ProvinciaDiNascita", "ObbligoIscrizioneREA:bool",
+      "ProvinciaREA", "NumeroIscrizioneREA", "SocioUnico:bool", "RegimeFiscaleFattPA"}},
+    {"Parametri Vorn", UnaRiga, Timbro,
+     {},
+     {"NumRegIVAVendite", "NumRegIVAVenditeLiq", "NumRegIvaAcquisti", "NumRegIVAAcquistiLiq",
+      "NumRegIVACorrispScorp", "NumRegIVACorrispScorpLiq", "NumRegIVACorrispVentil",
+      "NumRegIVACorrispVentilLiq", "NumRegIVASospensione", "GruppoConto1Fornitori",
+      "GruppoConto2Fornitori", "GruppoConto3Fornitori", "GruppoConto4Fornitori", "GruppoConto5Fornitori",
+      "GruppoConto1Clienti", "GruppoConto2Clienti", "GruppoConto3Clienti", "GruppoConto4Clienti",
+      "GruppoConto5Clienti", "IndGiornMacchina", "GestioneStoricoContabile:bool", "GestionePartiteAperte",
+      "GestioneLingue", "DescrizSupplemRegIVA", "PeriodicitaLiquidazione", "GestMonteAcquistiUnico",
+      "ParaVornCampoLibero1", "ParaVornCampoLibero2", "ParaVornCampoLibero3", "ParaVornCampoLibero4",
+      "ParaVornCampoLibero5", "ParaVornCampoLibero6", "ParaVornCampoLibero7", "ParaVornCampoLibero8",
+      "ModalitaRiepilogoCessioni", "ModalitaRiepilogoAcquisti", "GestioneProrataIVA",
+      "PercentualeProrata:dbl", "IVAArt74Ter", "CodIVA74Ter", "IndValoreStatisticoAcquisti",
+      "IndValoreStatisticoCessioni", "GestDataCompetenzaIVA", "RifLibGioRegistriIVA",
+      "RifDocContrRegistriIVA", "IndOrdinamRegistriIVA", "IndIVAAutotrasportatori",
+      "VersamentoIVA4Trim:bool", "NumDecIntra", "NumDecLiquidazione", "NumPagineAutoRegIVA",
+      "NumPagineAutoLibGior", "TipoRegLiquidazione", "NumRegLiquidazione", "SogliaAmmIntegrale:dbl",
+      "PercAbbattimAmmAnno1:dbl", "PercManutenzioniDeducibili:dbl", "regimeContabile:int16",
+      "RegIVASemSoloContiEco", "MeseChiusuraFiscale", "NumeroDecimali"}},
+    {"Progressivi Azienda Vorn", UnaRiga, Timbro,
+     {},
+     {"DataAperturaBilancio:data", "UltimaStampaGiornale", "UltimaLiquidazioneIva:int", "UltimoScaricoPN",
+      "NumRigaLibroGiornale:int", "ProgDareLibroGiornale:imp", "ProgAvereLibroGiornale:imp",
+      "CreditoIVAInizioAnno:imp", "CodIvaPerPrec:int", "NumClientiInAllegato", "ImpClientiInAllegato:imp",
+      "NumFornitoriInAllegato", "ImpFornitoriInAllegato:imp", "UltimaRegistrazionePN",
+      "PlafondIvaIniziale:imp", "PlafondIvaResiduo:imp", "ProgressivoXMovimenti:int", "UltimoAzzStorico",
+      "DebitoIvaAnnoPrec:imp", "ImpIVACalcoloAcconto:imp", "AcqIntraPerPrecedente",
+      "AcqIntraEserPrecedente", "UltimaRettificaIntra", "InizioAnnoFiscale", "DataUltimoVersamento:data",
+      "ValoreTotImpComp:imp", "CreditoIVAInizioAnnoUt:imp", "DataInizioPNValida:data",
+      "DataFinePNValida:data", "DataUltimoCalcoloAmm:data", "DataUltimoLibroCespiti:data",
+      "DataUltimoScaricoPN:data", "DataAperturaContabile:data"}},
+    {"Progressivi Numerazione Vorn", PiuRighe, Timbro,
+     {"TipoRegistro", "NumeroRegistro", "SerieDocumento", "Deposito", "IndOrdiniImpegni"},
+     {"TipoRegistro", "IndOrdiniImpegni", "NumeroRegistro", "Deposito", "SerieDocumento",
+      "NumeroUltimoDoc:int", "DataUltimoDoc:data", "NumeroUltimoDocBollato"}},
+    {"Progressivi Registri Iva", PiuRighe, Timbro,
+     {"IndicatoreFisso", "IndTipoRecord", "TipoRegistroIva", "NumRegistroIva", "CodiceIva"},
+     {"IndicatoreFisso", "IndTipoRecord", "TipoRegistroIva", "NumRegistroIva", "CodiceIva",
+      "Imponibile:imp", "IVA:imp", "DataUltimaStampaBollato:data", "imposta:imp"}},
+    {"Progressivi Scadenze", PiuRighe, Timbro,
+     {"IndicatoreFisso"},
+     {"ProgressivoPartite:int", "Progressivo:int", "IndicatoreFisso"}},
+    {"Riferimenti Contabili", UnaRiga, Timbro,
+     {},
+     {"SottocontoCassa1", "SottocontoCassa2", "CausStornoIvaInded", "SottIVACVendite", "SottIVACAcquisti",
+      "SottIVACScorporo", "SottIVACCorrispSc", "SottIVACSospensione", "SottAperturaBilancio",
+      "SottChiusuraBilancio", "SottUtilePerditaEse", "CausAperturaBilancio", "CausChiusuraBilancio",
+      "SottTratte", "SottRicevuteBancarie", "SottAvvisi", "CausEmissioneEffetti", "CausEmisFatturaClienti",
+      "CausNotaCreditoClienti", "CausIncassoCliente", "CausOmaggio", "SottImponibileOmaggi",
+      "SottIvaOmaggi", "SottRicaviStandard", "SottRicaviAccessori", "SottRisultatoEsercizio",
+      "CausAnticipiDDT", "SottErarioRitenute", "CausVersamentoRitenute", "CausCorrispettivi",
+      "SottEsigDiffVend", "SottEsigDiffAcq", "TipoContabRicAcc", "SottRicaviAccessori2",
+      "SottRicaviSpeseIncasso", "SottRicaviSpeseTrasporto", "SottRicaviBolli", "CausPresentazioneEffetti",
+      "SottCostiStandard", "SottCostiSpeseTrasporto", "SottCostiSpeseIncasso", "SottCostiSpeseAccessori",
+      "SottCostiSpeseBolli", "SottCostiImponibileOmaggi", "SottCostiIvaOmaggi", "CausFatturaForn",
+      "CausNotaCreditoForn", "CausPagamentoForn", "CausAnticipoForn", "CausOmaggioForn", "CausFattAcqCee",
+      "CausAnnotVenditeCee", "CausCostoFornCee", "SottIVAAcqCee", "SottFornCee", "SottClientiCee",
+      "SottCostoAcqCee", "CodIvaCee", "SottArrotondPassivi", "SottArrotondAttivi", "SottConvLireEuro",
+      "SottAttivitaDiverse", "SottPassivitaDiverse", "SottOneriStraordinari", "SottProventiStraordinari",
+      "SottRID", "SottCommissioniBancarie", "CausPagamentoFornBonifico", "CausAmAmmOrd", "CausAmAmmAnt",
+      "CausAmAcquisto", "CausAmRivalutazione", "CausAmSvalutazione", "CausAmDismissione",
+      "CausAmManutenzione", "CausAmOneriSpese", "CausAmVarFondoAmmOrd", "CausAmVarFondoAmmAnt",
+      "CausAmPlusvalReinvestita", "CausConAmmOrd", "CausConAmmAnt", "SottIVASplitPaymentVend",
+      "CausSplitPayment", "CausConRitenuteSubite", "SottRitenuteSubite", "CausConAbbuoni", "SottAbbuoni"}},
+    {"Riferimenti Standard", PiuRighe, NoTimbro,
+     {"Nome riferimento"},
+     {"Valore riferimento", "Valore riferimento memo", "Nome riferimento"}},
+    {"Importi Fissi", UnaRiga, Timbro,
+     {},
+     {"Fino a 1:imp", "Importo 1:imp", "Fino a 2:imp", "Importo 2:imp", "Fino a 3:imp", "Importo 3:imp",
+      "Fino a 4:imp", "Importo 4:imp", "Fino a 5:imp", "Importo 5:imp", "Fino a 6:imp", "Importo 6:imp",
+      "Fino a 7:imp", "Importo 7:imp", "Fino a 8:imp", "Importo 8:imp", "Fino a 9:imp", "Importo 9:imp",
+      "Fino a 10:imp", "Importo 10:imp", "Bollo tratta italiana:imp", "Bollo tratta estera:imp",
+      "Arrotondamento bollo tratta:imp", "Valore minimo bollo tratta:imp", "Bollo fattura esente:imp",
+      "Importo minimo fattura:imp", "ImportoMinLiqIva:imp", "PercCalcoloAcconto:dbl",
+      "ImportoMinAcconto:imp", "PercMaggTrim:dbl", "PercForfSemp:dbl"}},
+    {"Numerazione Fogli", PiuRighe, Timbro,
+     {"Anno", "TipoStampa", "TipoRegistro", "NumeroRegistro", "Serie"},
+     {"TipoStampa", "TipoRegistro", "NumeroRegistro", "Anno", "Serie", "Numero", "Azienda", "PartitaIVA",
+      "Descrizione", "IndSede", "IndZero", "Indirizzo", "IndStampaAnno"}},
+    {"Versione Archivi", PiuRighe, NoTimbro,
+     {"ID"},
+     {"NuovoDBVorn:bool", "ID:int"}},
+    {"Tabella Utenti", PiuRighe, NoTimbro,
+     {"username"},
+     {"password", "Progressivo rete", "username"}},
+    {"Tabella Utenti Autorizzazioni", PiuRighe, NoTimbro,
+     {"username", "bandname", "toolname"},
+     {"username", "bandname", "toolname", "Stato"}},
+
+    // Master data
+    {"Anagrafica Clienti", PiuRighe, Timbro,
+     {"Codice Cliente"},
+     {"Codice Cliente", "Codice Iva", "Descrizione Iva", "aliquota", "Numero Esenzione",
+      "Data Esenzione:data", "Protocollo Esenzione", "Codice Zona", "Codice sottozona", "Descrizione Zona",
+      "Descrizione Sottozona", "Codice gruppo", "Codice Pagamento", "Descrizione Pagamento",
+      "1 Mese Escluso", "2 Mese Escluso", "Scadenza al", "Codice Banca", "Descrizione Banca",
+      "Codice Agenzia", "Descrizione Agenzia", "Numero C/C", "IBAN", "BBAN", "Numero Listino",
+      "Descrizione Listino", "Codice valuta", "Sconto %", "Sconto2 %", "Saldo:imp", "Fido:imp",
+      "Scaglione provvigioni", "Scaglione provvigioni subagente", "Provvigioni su ricavo", "Cod agente",
+      "Rag agente", "Cod Subagente", "Rag Subagente", "Addebito spese incasso",
+      "Addebito bolli in fattura", "Scorporo iva", "Fattura riepilogativa", "Stampa prezzi in DDT",
+      "No stampa codart docven", "Gestione ultimi prezzi", "Proposta ultimi prezzi",
+      "Note su documenti vendita", "Note2", "ContrCostoRic", "SottocontoApparten",
+      "Tipo soggetto allegati", "No su allegati IVA", "Lingua", "NumeroIscrizioneAlbo",
+      "Sconto articolo %", "Sconto2 articolo %", "Codice Univoco PA", "IndModalitaCorrisp",
+      "IndTipoSoggettoFE", "SaldoInizPeriodo:imp", "SaldoDarePeriodo:imp", "SaldoAverePeriodo:imp",
+      "SaldoInizProgress:imp", "SaldoDareProgress:imp", "SaldoAvereProgress:imp", "Ragione Sociale",
+      "Ragione Sociale 2", "Indirizzo", "Cap", "Località", "Provincia", "Telefono", "Fax", "Cellulare",
+      "Telefono2", "Fax2", "Cellulare2", "Partita Iva", "Codice Nazione", "Codice Fiscale",
+      "Persona Fisica", "Richiesta trattamento dati", "Autorizzazione trattamento dati",
+      "Codice selezione", "Libero1", "Libero2", "Libero3", "Libero4", "Libero5", "Libero6", "Libero7",
+      "Libero8", "Libero9", "Libero10", "Contatto", "E-mail", "PEC", "Sito Web", "User Web",
+      "Password Web", "Cognome", "Nome", "Località nascita", "Provincia nascita", "Nazione nascita",
+      "Nazione domicilio", "Data nascita:data", "Sesso", "Note", "Obsoleto", "Cod Aspetto Beni",
+      "Des Aspetto Beni", "Cod Porto", "Des Porto", "Cod Mezzo", "Des Mezzo", "Mezzo di trasporto",
+      "Cod Vettore", "Rag Vettore", "Codice Banca Azienda", "Codice Agenzia Azienda", "FlagVettore"}},
+    {"Anagrafica Fornitori", PiuRighe, Timbro,
+     {"Codice Cliente"},
+     {"Codice Cliente", "Codice Iva", "Descrizione Iva", "aliquota", "Numero Esenzione",
+      "Data Esenzione:data", "Protocollo Esenzione", "Codice Zona", "Codice sottozona", "Descrizione Zona",
+      "Descrizione Sottozona", "Codice gruppo", "Codice Pagamento", "Descrizione Pagamento",
+      "1 Mese Escluso", "2 Mese Escluso", "Scadenza al", "Codice Banca", "Descrizione Banca",
+      "Codice Agenzia", "Descrizione Agenzia", "Numero C/C", "IBAN", "BBAN", "Numero Listino",
+      "Descrizione Listino", "Codice valuta", "Sconto %", "Sconto2 %", "Saldo:imp", "Fido:imp",
+      "Scaglione provvigioni", "Scaglione provvigioni subagente", "Provvigioni su ricavo", "Cod agente",
+      "Rag agente", "Cod Subagente", "Rag Subagente", "Addebito spese incasso",
+      "Addebito bolli in fattura", "Scorporo iva", "Fattura riepilogativa", "Stampa prezzi in DDT",
+      "No stampa codart docven", "Gestione ultimi prezzi", "Proposta ultimi prezzi",
+      "Note su documenti vendita", "Note2", "ContrCostoRic", "SottocontoApparten",
+      "Tipo soggetto allegati", "No su allegati IVA", "Lingua", "NumeroIscrizioneAlbo",
+      "Sconto articolo %", "Sconto2 articolo %", "Codice Univoco PA", "IndModalitaCorrisp",
+      "IndTipoSoggettoFE", "SaldoInizPeriodo:imp", "SaldoDarePeriodo:imp", "SaldoAverePeriodo:imp",
+      "SaldoInizProgress:imp", "SaldoDareProgress:imp", "SaldoAvereProgress:imp", "Ragione Sociale",
+      "Ragione Sociale 2", "Indirizzo", "Cap", "Località", "Provincia", "Telefono", "Fax", "Cellulare",
+      "Telefono2", "Fax2", "Cellulare2", "Partita Iva", "Codice Nazione", "Codice Fiscale",
+      "Persona Fisica", "Richiesta trattamento dati", "Autorizzazione trattamento dati",
+      "Codice selezione", "Libero1", "Libero2", "Libero3", "Libero4", "Libero5", "Libero6", "Libero7",
+      "Libero8", "Libero9", "Libero10", "Contatto", "E-mail", "PEC", "Sito Web", "User Web",
+      "Password Web", "Cognome", "Nome", "Località nascita", "Provincia nascita", "Nazione nascita",
+      "Nazione domicilio", "Data nascita:data", "Sesso", "Note", "Obsoleto", "Cod Aspetto Beni",
+      "Des Aspetto Beni", "Cod Porto", "Des Porto", "Cod Mezzo", "Des Mezzo", "Mezzo di trasporto",
+      "Cod Vettore", "Rag Vettore", "Codice Banca Azienda", "Codice Agenzia Azienda", "FlagVettore"}},
+    {"Anagrafica Agenti", PiuRighe, Timbro,
+     {"Codice Agente"},
+     {"Codice Agente", "Ragione Sociale", "Ragione Sociale 2", "Indirizzo", "Cap", "Località", "Provincia",
+      "Telefono", "Fax", "Cellulare", "Telefono2", "Fax2", "Cellulare2", "Partita Iva", "Codice Nazione",
+      "Codice Fiscale", "Persona Fisica", "Richiesta trattamento dati", "Autorizzazione trattamento dati",
+      "Codice selezione", "Libero1", "Contatto", "E-mail", "PEC", "Sito Web", "User Web", "Password Web",
+      "Cognome", "Nome", "Località nascita", "Provincia nascita", "Nazione nascita", "Nazione Domicilio",
+      "Data nascita:data", "Sesso", "Note", "Obsoleto", "Codice zona", "Codice sottozona",
+      "Descrizione Zona", "Descrizione Sottozona", "Budget 1", "Budget 2", "Imponibile provvigioni:imp",
+      "Provvigioni maturate:imp", "Calcolo provvigione", "Scaglione 0", "Scaglione 1", "Scaglione 2",
+      "Scaglione 3", "Scaglione 4", "Scaglione 5", "Scaglione 6", "Scaglione 7", "Scaglione 8",
+      "Scaglione 9", "Codice Iva", "Descrizione Iva", "aliquota", "Perc Ritenuta",
+      "Perc Imponibile Ritenuta", "Perc Enasarco"}},
+    {"Anagrafica listini", PiuRighe, Timbro,
+     {"Numero Listino"},
+     {"Numero Listino", "Descrizione Listino", "Codice valuta", "Flag Prezzo Iva Inclusa", "Obsoleto",
+      "Note 1", "Note 2"}},
+    {"Anagrafiche Comuni", PiuRighe, Timbro,
+     {"Codice anagrafico"},
+     {"Codice Anagrafico", "Ragione Sociale", "Ragione Sociale 2", "Indirizzo", "Cap", "Località",
+      "Provincia", "Telefono", "Fax", "Cellulare", "Telefono2", "Fax2", "Cellulare2", "Partita Iva",
+      "Codice Nazione", "Codice Fiscale", "Persona Fisica", "Richiesta trattamento dati",
+      "Autorizzazione trattamento dati", "Codice selezione", "Libero1", "Contatto", "E-mail", "PEC",
+      "Sito Web", "User Web", "Password Web", "Cognome", "Nome", "Località nascita", "Provincia nascita",
+      "Nazione nascita", "Nazione Domicilio", "Data nascita:data", "Sesso", "Note", "Obsoleto"}},
+    {"Zone Sottozone", PiuRighe, Timbro,
+     {"Codice Zona", "Codice Sottozona"},
+     {"Codice Zona", "Codice Sottozona", "Descrizione", "Note 1", "Note 2", "Libero 1", "Libero 2"}},
+    {"Nazioni", PiuRighe, Timbro,
+     {"Codice Nazione"},
+     {"Codice Nazione", "Descrizione Nazione", "Codice ISO", "Codice UIC", "Area Nazione:int",
+      "Nazione Black List"}},
+    {"Gruppi cli/for", PiuRighe, Timbro,
+     {"Codice gruppo"},
+     {"Codice gruppo", "Descrizione gruppo"}},
+    {"Lingue", PiuRighe, Timbro,
+     {"Codice"},
+     {"Codice", "Descrizione", "Note 1", "Note 2"}},
+    {"Spedizioni", PiuRighe, Timbro,
+     {"Tipo record", "Codice"},
+     {"Tipo record", "Codice", "Descrizione", "Mezzo di trasporto:int"}},
+    {"Destinazioni", PiuRighe, Timbro,
+     {"Tipo clifor", "Codice anagrafico", "Codice destinazione"},
+     {"Codice anagrafico", "Tipo clifor", "Codice destinazione", "Tipo record", "Descrizione destinazione",
+      "Indirizzo", "Località", "Cap", "Provincia", "Telefono", "Fax", "Codice Nazione", "Partita Iva",
+      "Codice Fiscale", "Codice EDI"}},
+    {"PA Contratti", PiuRighe, Timbro,
+     {"Codice"},
+     {"Codice", "Descrizione", "IndTipo", "IndStato", "Numero", "Commessa", "CUP", "CIG", "Note"}},
+    {"Trascodifiche", PiuRighe, Timbro,
+     {"TipoArchivio", "IndClienteFornitore", "CodClienteFornitore", "CodiceEsterno"},
+     {"IndClienteFornitore", "CodClienteFornitore", "TipoArchivio", "CodiceEsterno", "CodiceInterno"}},
+    {"Localita", PiuRighe, NoTimbro,
+     {"ID"},
+     {"ID:int", "Localita", "Provincia", "Cap"}},
+    {"Causali di Magazzino", PiuRighe, NoTimbro,
+     {"Codice Causale"},
+     {"Valore Scarichi", "Controparte", "Codice Causale"}},
+    {"Codici Iva", PiuRighe, Timbro,
+     {"Codice Iva"},
+     {"Codice Iva", "Aliquota:dbl", "Descrizione Iva", "Percentuale indetraibilità:dbl", "Flag Articolo 8",
+      "Flag Fatture Esenti", "Flag Altre Esenzioni", "Acquisto Intracomunitario", "Flag Monte Acquisti",
+      "Codice IVA ventilare", "Codice IVA detraibile", "Tipo allegato clifor",
+      "Tipo operazione black list", "Tipo operazione spesometro", "Codice EDI", "Descrizione Iva Estesa",
+      "Libero 1", "Libero 2", "Libero 3", "Nota su documenti", "Natura operazione fattura PA:int",
+      "Flag Split Payment fattura PA", "Flag Reverse Charge", "CodiceIva", "CodiceIvaDeducibile"}},
+    {"Valute", PiuRighe, Timbro,
+     {"Codice valuta"},
+     {"Numero decimali valuta", "Codice valuta", "Descrizione valuta", "Simbolo valuta", "Cambio:dbl",
+      "Flag valuta EMU", "Data cambio:data"}},
+    {"Pagamenti", PiuRighe, Timbro,
+     {"Codice Pagamento"},
+     {"Codice Pagamento", "Descrizione Pagamento", "Tipo Pagamento", "Numero Rate",
+      "Numero Giorni Inizio Scadenza", "Numero Giorni Inizio Scadenza 2",
+      "Numero Giorni Inizio Scadenza 3", "Numero Giorni Inizio Scadenza 4",
+      "Numero Giorni Inizio Scadenza 5", "Numero Giorni Inizio Scadenza 6", "Flag Inizio Scadenza",
+      "Data Diversa Inizio:data", "Giorno Fisso", "Periodicità", "Flag prima rata",
+      "Flag inizio scadenza prima rata", "Flag calcolo provvigioni", "Flag maturazione provvigioni",
+      "Spese incasso", "Sconto pagamento", "Disattiva stampa scadenze", "GF Da Fine Mese"}},
+    {"Banche Clienti", PiuRighe, Timbro,
+     {"Codice Banca", "Codice Agenzia"},
+     {"Codice Banca", "Codice Agenzia", "Descrizione", "Codice ABI", "Codice CAB", "Codice BIC",
+      "Libero 1", "Libero 2"}},
+    {"Banche Azienda", PiuRighe, Timbro,
+     {"Codice banca", "Codice agenzia"},
+     {"Codice banca", "Codice agenzia", "Descrizione", "Località", "Codice ABI", "Codice CAB",
+      "Codice BIC", "Sottoconto Banca sbf", "Sottoconto Banca cc", "Note", "Codice SIA",
+      "Riferimento mittente", "Conto ordinante", "Firma azienda", "Intendenza", "Numero autorizzazione",
+      "Data autorizzazione:data", "Plafond:imp", "IBAN", "BBAN", "CodiceCUC"}},
+    {"Bolli Utilizzati", PiuRighe, Timbro,
+     {"Codice Banca", "Codice Agenzia", "Valore bollo"},
+     {"Codice banca", "Codice agenzia", "Valore bollo:imp"}},
+    {"Contropartite", PiuRighe, NoTimbro,
+     {"Codice sottoconto"},
+     {"Codice sottoconto", "Descrizione sottoconto"}},
+
+    // General ledger
+    {"Piano Dei Conti", PiuRighe, Timbro,
+     {"Gruppo", "Conto", "Sottoconto"},
+     {"Gruppo", "Conto", "Sottoconto", "Descrizione", "IndDiBilancio", "SottocontoInBilancio",
+      "IndAmmortamenti", "CompATerzi", "CollegamentoSarn", "Libero1", "Libero2", "Libero3", "Libero4",
+      "Libero5", "LiberoDescrittivo1", "LiberoDescrittivo2", "LiberoDescrittivo3", "LiberoDescrittivo4",
+      "LiberoDescrittivo5", "Riferimento1Iva11", "Riferimento2Iva11", "Riferimento3Iva11",
+      "Riferimento4Iva11", "Riferimento5Iva11", "Iva11Segno1", "Iva11Segno2", "Iva11Segno3", "Iva11Segno4",
+      "Iva11Segno5", "IndiceRicBilancio", "TrasfMirk", "MovimCentriCosto", "TrasfPelvo", "QuadPelvo"}},
+    {"Saldi Piano Dei Conti", PiuRighe, Timbro,
+     {"CodiceGruppo", "CodiceConto", "CodiceSottoconto"},
+     {"CodiceGruppo", "CodiceConto", "CodiceSottoconto", "SaldoInizialePeriodo:imp",
+      "SaldoDarePeriodo:imp", "SaldoAverePeriodo:imp", "SaldoInizialeProgr:imp", "DareProgressivo:imp",
+      "AvereProgressivo:imp", "SaldoContoSottocon:imp"}},
+    {"Causali Contabili", PiuRighe, Timbro,
+     {"CodiceCausale"},
+     {"CodiceCausale", "DescrizioneCausale", "Conto1", "Conto2", "Conto3", "Conto4", "Conto5", "Conto6",
+      "Conto7", "Conto8", "Conto9", "TipoRegistroIva", "TipoCausale", "OperativitaPartite",
+      "OperativitaContabile", "IndLibero1", "IndLibero2", "IndLibero3", "IndLibero4", "IndLibero5",
+      "LiberoDescrittivo1", "LiberoDescrittivo2", "LiberoDescrittivo3", "LiberoDescrittivo4",
+      "LiberoDescrittivo5", "OperativitaIntra", "SerieProposta", "RegistroIVAProposto", "FlagInsoluto",
+      "Spostamento", "FlagDatiDocumento", "OperativitaRitenute", "TrasferitaMirk", "TrasferitaPelvo",
+      "PosContrClifor:int", "FlagNonUtilizzata", "IndQuadratura", "OperativitaCespiti",
+      "RegistroIVAPropostoCorr", "No su allegati IVA", "TipoRegistroIVACRSemp", "RegistroIVACRSemp",
+      "SottocontoIVARSM", "OperativitaIntAut:int", "SottocontoDare1", "SottocontoDare2", "SottocontoDare3",
+      "SottocontoDare4", "SottocontoDare5", "SottocontoDare6", "SottocontoDare7", "SottocontoDare8",
+      "SottocontoDare9", "SottocontoDare10", "SottocontoAvere1", "SottocontoAvere2", "SottocontoAvere3",
+      "SottocontoAvere4", "SottocontoAvere5", "SottocontoAvere6", "SottocontoAvere7", "SottocontoAvere8",
+      "SottocontoAvere9", "SottocontoAvere10"}},
+    {"Prima Nota", PiuRighe, Timbro,
+     {"NumeroRegistrazione", "NumRigaAVideo"},
+     {"DataRegistrazione:data", "NumeroRegistrazione", "TipoRigaIvaNormale", "NumRigaAVideo", "DareAvere",
+      "ContoPrimaNota", "IndClienteFornitore", "CodClienteFornitore", "DataCompetenza:data",
+      "TipoRegistroIva", "NumRegistroIva", "NumeroDiProtocollo:int", "SerieDocumento",
+      "NumeroDocumento:int", "CodiceCausale", "DescrizioneSupplem", "ImportoMovimento:imp",
+      "Imponibile:imp", "CodiceIva", "ContropIvaIndeduc", "IndicatoreCliFor", "CodiceCliFor",
+      "TotaleDocumento:imp", "RegIvaCorrMonteAcq", "RigaLibroGiornale:int", "Stringa10indicatori",
+      "Valuta", "ImportoInValuta:imp", "Cambio:dbl", "DataDelCambio:data", "TrasfMirk", "TrasfVorn",
+      "TrasfPelvo", "TrasfZQ", "KeyZQ:int", "KeyScadenze", "DataCompetenzaIVA:data",
+      "ImponibileValuta:imp", "TotaleDocumentoVal:imp", "IndSpesometro", "NoteRegistrazione",
+      "NumeroDocumentoEsteso", "DataDocumento:data"}},
+    {"Storico Contabile", PiuRighe, Timbro,
+     {"IDProgressivo"},
+     {"IDProgressivo:int", "SottocontoMovimento", "IndClientefornitore", "CodClientefornitore",
+      "NumeroRegistrazione", "SerieDocumento", "NumeroDocumento", "CausaleContabile",
+      "DescrizioneSuppleme", "DareAvere", "ImportoMovimento:imp", "NumeroProtocollo", "CodiceValuta",
+      "Cambio:dbl", "ImportoValuta:imp", "DataCompetenza:data", "DataDocumento:data",
+      "DataRegistrazione:data"}},
+    {"Piano Dei Conti Mod Semplificati", PiuRighe, Timbro,
+     {"Gruppo", "Conto", "Sottoconto"},
+     {"Gruppo", "Conto", "Sottoconto", "Descrizione", "IndDiBilancio", "SottocontoInBilancio",
+      "IndAmmortamenti", "CompATerzi", "CollegamentoSarn", "Libero1", "Libero2", "Libero3", "Libero4",
+      "Libero5", "LiberoDescrittivo1", "LiberoDescrittivo2", "LiberoDescrittivo3", "LiberoDescrittivo4",
+      "LiberoDescrittivo5", "Riferimento1Iva11", "Riferimento2Iva11", "Riferimento3Iva11",
+      "Riferimento4Iva11", "Riferimento5Iva11", "Iva11Segno1", "Iva11Segno2", "Iva11Segno3", "Iva11Segno4",
+      "Iva11Segno5", "IndiceRicBilancio", "TrasfMirk", "MovimCentriCosto", "TrasfPelvo", "QuadPelvo"}},
+    {"Causali Contabili Mod Semplificati", PiuRighe, Timbro,
+     {"CodiceCausale"},
+     {"CodiceCausale", "DescrizioneCausale", "Conto1", "Conto2", "Conto3", "Conto4", "Conto5", "Conto6",
+      "Conto7", "Conto8", "Conto9", "TipoRegistroIva", "TipoCausale", "OperativitaPartite",
+      "OperativitaContabile", "IndLibero1", "IndLibero2", "IndLibero3", "IndLibero4", "IndLibero5",
+      "LiberoDescrittivo1", "LiberoDescrittivo2", "LiberoDescrittivo3", "LiberoDescrittivo4",
+      "LiberoDescrittivo5", "OperativitaIntra", "SerieProposta", "RegistroIVAProposto", "FlagInsoluto",
+      "Spostamento", "FlagDatiDocumento", "OperativitaRitenute", "TrasferitaMirk", "TrasferitaPelvo",
+      "PosContrClifor:int", "FlagNonUtilizzata", "IndQuadratura", "OperativitaCespiti",
+      "RegistroIVAPropostoCorr", "No su allegati IVA", "TipoRegistroIVACRSemp", "RegistroIVACRSemp",
+      "SottocontoIVARSM", "OperativitaIntAut:int", "SottocontoDare1", "SottocontoDare2", "SottocontoDare3",
+      "SottocontoDare4", "SottocontoDare5", "SottocontoDare6", "SottocontoDare7", "SottocontoDare8",
+      "SottocontoDare9", "SottocontoDare10", "SottocontoAvere1", "SottocontoAvere2", "SottocontoAvere3",
+      "SottocontoAvere4", "SottocontoAvere5", "SottocontoAvere6", "SottocontoAvere7", "SottocontoAvere8",
+      "SottocontoAvere9", "SottocontoAvere10"}},
+
+    // VAT
+    {"Corrispettivi Ventilazione", PiuRighe, Timbro,
+     {"IndicatoreFisso", "NumRegistriCorrisp"},
+     {"IndicatoreFisso", "NumRegistriCorrisp", "CorrispettiviPeriodo:imp", "corrispettiviAnno:imp"}},
+    {"Monte Acquisti Ventilazione", PiuRighe, Timbro,
+     {"IndicatoreFisso", "NumRegistroCorrisp", "CodiceIva"},
+     {"IndicatoreFisso", "NumRegistroCorrisp", "CodiceIva", "ImportoMonteAcquisti:imp", "IndicatoreLibero"}},
+    {"Liquidazioni Periodiche", PiuRighe, Timbro,
+     {"MeseVersamento"},
+     {"Importo_versato:imp", "CreditoIvaDaDichAnnualeTrasf:imp", "Importo_versato_netto:imp",
+      "MeseVersamento", "CodiceAziendaVersam", "CodiceDipendenzaVersam", "TotaleIVADebito:imp",
+      "TotaleIVACredito:imp", "UlterioriDetrazioni1:imp", "UlterioriDetrazioni2:imp",
+      "OperazioniAttiveIntra:imp", "OperazioniPassiveIntra:imp", "CompensazioneArt38Bis:imp",
+      "ImponibileOroArgento:imp", "IVAOroArgento:imp", "VariazioniImpostaDebito:imp",
+      "VariazioniImpostaCredito:imp", "DebitoInferioreMinimo:imp", "ImportoDaVersare:imp",
+      "CreditoPeriodoPrecedente:imp", "ImportoCompensato:imp", "CreditoIVA:imp"}},
+    {"DatiIVA", PiuRighe, Timbro,
+     {"Anno", "Mese", "Trimestre"},
+     {"anno", "Mese", "trimestre", "Subfornitura", "EventiEccezionali", "TotaleOperazioniAttive:imp",
+      "TotaleOperazioniPassive:imp", "IVAEsigibile:imp", "IVADetratta:imp", "IVADovuta:imp",
+      "IVACredito:imp", "DebitoPrecedente:imp", "CreditoPeriodoPrecedente:imp",
+      "CreditoAnnoPrecedente:imp", "VersamentiAutoUE:imp", "CreditiImposta:imp", "InteressiDovuti:imp",
+      "Acconto:imp", "ImportoDaVersare:imp", "ImportoACredito:imp"}},
+    {"Allegati", PiuRighe, NoTimbro,
+     {"IndTipoRecord"},
+     {"NumNoteCredito", "IndTipoRecord"}},
+
+    // Receivables and payables
+    {"Scadenziario", PiuRighe, Timbro,
+     {"Tipo", "Codice Cliente", "Numero Documento", "Serie", "Data Documento", "Numero Progressivo"},
+     {"Tipo", "Codice Cliente", "Numero Documento:int", "Serie", "Data Documento:data", "Codice valuta",
+      "Cambio:dbl", "Importo Documento:imp", "Numero Progressivo:int", "Progressivo Documento",
+      "Data Scadenza:data", "Tipo di Effetto", "Nostra Banca", "Ragione Sociale", "Indirizzo", "Cap",
+      "Località", "Provincia", "Codice recap", "Codice Banca", "Descrizione Banca", "Codice Agenzia",
+      "Descrizione Agenzia", "NumeroDiProtocollo", "Importo Scadenza:imp", "Importo Pagato:imp",
+      "Data pagamento:data", "Note", "Importo Bollo:imp", "Descrizione", "Conto corrente", "IBAN", "BBAN",
+      "Distinta:bool", "Emesso:bool", "Sospeso", "Insoluto", "Tipo Presentazione",
+      "Codice Banca presentazione", "Codice Agenzia presentazione", "Data presentazione:data",
+      "Contabilizzato:bool", "Flag Unificata:int", "numeroRegistrazione:int", "DataRegistrazione:data",
+      "Numero effetto insoluto", "PA codice contratto 1"}},
+    {"Scadenziario Pagamenti", PiuRighe, Timbro,
+     {"Numero Progressivo", "Riga"},
+     {"Numero Progressivo:int", "Riga", "Importo pagato:imp", "Data pagamento:data",
+      "Descrizione Pagamento", "NumeroRegistrazione", "DataRegistrazione:data", "tipo", "Codice Cliente",
+      "Numero Documento:int", "Serie", "Data Documento:data", "Codice valuta", "Cambio:dbl",
+      "Importo Documento:imp"}},
+    {"Distinte", PiuRighe, NoTimbro,
+     {"Numero Distinta"},
+     {"Numero Distinta"}},
+    {"Distinte Righe", PiuRighe, NoTimbro,
+     {"Numero Distinta", "Numero Progressivo"},
+     {"Numero Distinta", "Numero Progressivo"}},
+    {"Distinte Bonifici", PiuRighe, Timbro,
+     {"Numero Distinta"},
+     {"Data Distinta:data", "Data Esecuzione:data", "SottocontoBanca", "Numero Distinta", "Codice Banca",
+      "Codice Agenzia", "ImportoLimiteBO:imp", "DataLimiteBO:data", "ImportoDistinta:imp",
+      "Contabilizzata", "EffettiEmessi", "numeroRegistrazione", "DataRegistrazione:data"}},
+    {"Distinte Bonifici Righe", PiuRighe, Timbro,
+     {"Numero Distinta", "Progressivo Riga"},
+     {"Numero Distinta", "Progressivo Riga", "Numero Progressivo", "Tipo effetto"}},
+    {"Fatture", PiuRighe, NoTimbro,
+     {"Serie", "Numero"},
+     {"Numero", "Serie", "data:data"}},
+    {"Movimenti Magazzino", PiuRighe, NoTimbro,
+     {"Numero"},
+     {"Cambio:dbl", "Causale Magazzino", "Codice Iva", "Codice valuta", "Contropartita",
+      "Data Registrazione:data", "Flag Elaborato Scontrini", "Importo:imp", "Numero", "Scorporo iva",
+      "Tipo documento"}},
+
+    // Fixed assets
+    {"Cespiti", PiuRighe, Timbro,
+     {"CodiceCespite"},
+     {"CodiceCespite", "DescrizioneCespite", "SerialNumber", "Ubicazione", "Riferimento",
+      "CodiceCategoria", "CodiceCespiteCorr", "PercAmmOrdCiv:dbl", "PercAmmAntCiv:dbl",
+      "PercAmmOrdFisc:dbl", "PercAmmAntFisc:dbl", "LimiteAmmortizzFisc:dbl", "percDeducFisc:dbl",
+      "IndStato", "FlagUsato", "FlagManutenzioneContr:bool", "FlagAmmIntegraleFisc:bool", "Immagine"}},
+    {"CespitiCategorie", PiuRighe, Timbro,
+     {"CodiceCategoria"},
+     {"CodiceCategoria", "DescrizioneCategoria", "percAmmOrdFisc:dbl", "percAmmAntFisc:dbl",
+      "PercAmmOrdCiv:dbl", "PercAmmAntCiv:dbl", "indNatura:int", "SottCostoAmmOrd", "SottFondoAmmOrd",
+      "SottCostoAmmAnt", "SottFondoAmmAnt"}},
+    {"Causali Cespiti", PiuRighe, Timbro,
+     {"Codice"},
+     {"Codice", "Descrizione", "TipoMovimentazione:int"}},
+    {"CespitiMovimentiTestate", PiuRighe, Timbro,
+     {"NumeroMovimento"},
+     {"NumeroMovimento:int", "DataMovimento:data", "DataCompetenza:data", "CausaleCespiti",
+      "IndClienteFornitore", "CodClienteFornitore", "AnnoDocumento", "SerieDocumento",
+      "NumeroDocumento:int", "DataDocumento:data", "CodiceValuta", "Cambio:dbl", "DataCambio:data",
+      "NumeroRegistrazione", "Note", "codiceCespite"}},
+    {"CespitiMovimentiRighe", PiuRighe, Timbro,
+     {"NumeroMovimento", "NumeroRiga"},
+     {"NumeroMovimento:int", "NumeroRiga", "CodiceCespite", "ImportoMovimentoFisc:dbl",
+      "ImportoMovimentoFiscDed:dbl", "ImportoMovimentoCiv:dbl", "DescrizioneSupplem"}},
+
+    // Fiscal statements
+    {"Allegati CliFor", PiuRighe, Timbro,
+     {"ID"},
+     {"IndicatoreCliFor", "CodiceCliFor", "RagioneSociale", "Imponibile:imp", "Imposta:imp",
+      "Tipo allegato clifor", "VarAnniPrec", "Anno", "CodiceCausale", "CodiceIVA",
+      "DataCompetenzaIva:data", "DataDocumento:data", "DataRegistrazione:data", "DescrizioneCausale",
+      "ID:int", "NumRegistroIva", "NumRigaAVideo", "NumeroDiProtocollo", "NumeroDocumento",
+      "NumeroRegistrazione", "SerieDocumento", "TipoRegistroIva", "TipoRigaIvaNormale"}},
+    {"Allegati CliFor Totali", PiuRighe, Timbro,
+     {"Anno", "IndicatoreCliFor", "CodiceCliFor", "Identificativo"},
+     {"Anno", "Progressivo", "IndicatoreCliFor", "CodiceCliFor", "RagioneSociale", "CodiceFiscale",
+      "PartitaIVA", "Identificativo", "Valore:imp"}},
+    {"DatiFatture", PiuRighe, NoTimbro,
+     {"Anno"},
+     {"Anno"}},
+    {"DatiFattureTestate", PiuRighe, Timbro,
+     {"ID"},
+     {"tipo", "anno", "periodo", "numeroRegistrazione", "DataRegistrazione:data", "DataDocumento:data",
+      "SerieDocumento", "NumeroDocumento", "NumeroDiProtocollo", "TipoRigaIvaNormale", "indicatoreCliFor",
+      "codiceCliFor", "RagioneSociale", "codiceCausale", "DescrizioneCausale", "TipoRegistroIva",
+      "NumRegistroIva", "noteRegistrazione", "numeroDocumentoEsteso", "TipoDocumento", "RettificaIDFile",
+      "RettificaPosizione", "ID:int"}},
+    {"DatiFattureRighe", PiuRighe, NoTimbro,
+     {"ID"},
+     {"tipo", "anno", "periodo", "numeroRegistrazione", "NumRigaAVideo", "CodiceIva", "Imponib:imp",
+      "imposta:imp", "ID:int"}},
+    {"Spesometro", PiuRighe, NoTimbro,
+     {"Anno"},
+     {"Anno"}},
+    {"Spesometro no PIVA", PiuRighe, Timbro,
+     {"ID"},
+     {"Anno", "IndicatoreCliFor", "CodiceCliFor", "RagioneSociale", "ModalitaPagamento",
+      "ImportoDovuto:imp", "ID:int", "DataOperazione:data"}},
+    {"Spesometro riepilogato", PiuRighe, Timbro,
+     {"ID"},
+     {"Anno", "IndSoggettoSpesometro", "IndicatoreCliFor", "CodiceCliFor", "RagioneSociale",
+      "Imponibile:imp", "Imposta:imp", "IndSpesometro", "DataDocumento:data", "SerieDocumento",
+      "NumeroDocumento", "ModalitaPagamento", "TipologiaOperazione", "TipologiaNV", "DataFattRifNV:data",
+      "SerieFattRifNV", "NumeroFattRifNV", "TipoVariazioneImponibileNV", "TipoVariazioneImpostaNV",
+      "ID:int", "Area Nazione", "CodiceCausale", "CodiceNazione", "DataRegistrazione:data",
+      "DescrizioneCausale", "NoteRegistrazione", "NumRegistroIva", "NumeroDiProtocollo",
+      "NumeroRegistrazione", "TipoRegistroIva"}},
+    {"Spesometro2013", PiuRighe, NoTimbro,
+     {"Anno"},
+     {"Anno"}},
+    {"Spesometro2013NoFattura", PiuRighe, Timbro,
+     {"ID"},
+     {"Anno", "IndicatoreCliFor", "CodiceCliFor", "RagioneSociale", "ImportoDocumento:imp",
+      "IndTipoNoleggio", "ID:int", "DataOperazione:data"}},
+    {"Spesometro2013Preaggregazione", PiuRighe, NoTimbro,
+     {"Identificativo"},
+     {"Identificativo"}},
+    {"Spesometro2013Riepilogato", PiuRighe, Timbro,
+     {"Anno"},
+     {"Anno"}},
+    {"Spesometro2013Totali", PiuRighe, NoTimbro,
+     {"Anno"},
+     {"Anno"}},
+  };
+  return d;
+}
+// clang-format on
+
+ColonnaCatalogo Colonna(const char* def) {
+  std::string s(def);
+  auto p = s.rfind(':');
+  if (p == std::string::npos) return {s, TipoCampo::Testo};
+  std::string k = s.substr(p + 1);
+  std::string nome = s.substr(0, p);
+  TipoCampo t;
+  if (k == "imp") t = TipoCampo::Importo;
+  else if (k == "dbl") t = TipoCampo::Doppio;
+  else if (k == "int") t = TipoCampo::Intero32;
+  else if (k == "int16") t = TipoCampo::Intero16;
+  else if (k == "sng") t = TipoCampo::Singolo;
+  else if (k == "data") t = TipoCampo::Data;
+  else if (k == "bool") t = TipoCampo::Booleano;
+  else if (k == "memo") t = TipoCampo::Memo;
+  else throw std::logic_error("catalogo: tipo sconosciuto in " + s);
+  return {nome, t};
+}
+
+std::vector<TabellaCatalogo> Costruisci() {
+  std::vector<TabellaCatalogo> out;
+  for (const auto& d : Definizioni()) {
+    TabellaCatalogo t;
+    t.nome = d.nome;
+    t.rigaUnica = d.righe == UnaRiga;
+    t.timbro = d.timbro == Timbro;
+    for (const char* c : d.colonne) {
+      auto col = Colonna(c);
+      if (t.Colonna(col.nome)) throw std::logic_error("catalogo: colonna doppia " + t.nome + "." + col.nome);
+      t.colonne.push_back(col);
+    }
+    for (const char* k : d.chiave) {
+      const ColonnaCatalogo* c = t.Colonna(k);
+      if (!c) throw std::logic_error("catalogo: chiave fuori tabella " + t.nome + "." + k);
+      t.chiave.push_back(c->nome);
+    }
+    if (t.timbro) {
+      t.colonne.push_back({"clientName", TipoCampo::Testo});
+      t.colonne.push_back({"hWnd", TipoCampo::Intero32});
+    }
+    out.push_back(std::move(t));
+  }
+  return out;
+}
+
+}  // namespace
+
+const ColonnaCatalogo* TabellaCatalogo::Colonna(std::string_view n) const {
+  for (const auto& c : colonne)
+    if (UgualeNoCase(c.nome, n)) return &c;
+  return nullptr;
+}
+
+const std::vector<TabellaCatalogo>& TabelleCatalogo() {
+  static const std::vector<TabellaCatalogo> t = Costruisci();
+  return t;
+}
+
+const TabellaCatalogo* TabellaCatalogoDi(std::string_view nome) {
+  for (const auto& t : TabelleCatalogo())
+    if (UgualeNoCase(t.nome, nome)) return &t;
+  return nullptr;
+}
+
+const std::vector<VistaCatalogo>& VisteCatalogo() {
+  static const std::vector<VistaCatalogo> v = {
+      // The sub-accounts with their descriptions: [Sottoconto] is the seven-character code
+      // that journal rows carry in [ContoPrimaNota].
+      {"Descrizione sottoconti",
+       {"Gruppo", "Sottoconto", "Descrizione"},
+       "SELECT [Piano Dei Conti].[Gruppo] AS [Gruppo], "
+       "COALESCE([Piano Dei Conti].[Gruppo], '') || COALESCE([Piano Dei Conti].[Conto], '') || "
+       "COALESCE([Piano Dei Conti].[Sottoconto], '') AS [Sottoconto], "
+       "[Piano Dei Conti].[Descrizione] AS [Descrizione] FROM [Piano Dei Conti] "
+       "WHERE COALESCE([Piano Dei Conti].[Sottoconto], '') <> ''"},
+      // The groups (rows without account and sub-account) with their balance-sheet section.
+      {"Query sezione bilancio gruppi",
+       {"Gruppo", "IndDiBilancio"},
+       "SELECT [Piano Dei Conti].[Gruppo] AS [Gruppo], [Piano Dei Conti].[IndDiBilancio] AS [IndDiBilancio] "
+       "FROM [Piano Dei Conti] WHERE COALESCE([Piano Dei Conti].[Conto], '') = '' "
+       "AND COALESCE([Piano Dei Conti].[Sottoconto], '') = ''"},
+  };
+  return v;
+}
+
+const std::vector<IndiceCatalogo>& IndiciCatalogo() {
+  static const std::vector<IndiceCatalogo> i = {
+      {"ix_pn_numreg", "Prima Nota", {"NumeroRegistrazione"}},
+      {"ix_pn_datareg", "Prima Nota", {"DataRegistrazione"}},
+      {"ix_pn_datacomp", "Prima Nota", {"DataCompetenza"}},
+      {"ix_pn_dataciva", "Prima Nota", {"DataCompetenzaIVA"}},
+      {"ix_pn_conto", "Prima Nota", {"ContoPrimaNota"}},
+      {"ix_pn_clifor", "Prima Nota", {"IndClienteFornitore", "CodClienteFornitore"}},
+      {"ix_spdc_conto", "Saldi Piano Dei Conti", {"CodiceGruppo", "CodiceConto", "CodiceSottoconto"}},
+      {"ix_cli_conto", "Anagrafica Clienti", {"SottocontoApparten"}},
+      {"ix_for_conto", "Anagrafica Fornitori", {"SottocontoApparten"}},
+      {"ix_sc_codice", "Scadenziario", {"Tipo", "Codice Cliente"}},
+      {"ix_sc_doc", "Scadenziario", {"Progressivo Documento"}},
+      {"ix_sc_numprog", "Scadenziario", {"Numero Progressivo"}},
+      {"ix_sc_scad", "Scadenziario", {"Data Scadenza"}},
+      {"ix_sto_datareg", "Storico Contabile", {"DataRegistrazione"}},
+      {"ix_sto_conto", "Storico Contabile", {"SottocontoMovimento"}},
+  };
+  return i;
+}
+
+std::string TipoSql(TipoCampo tipo) {
+  switch (tipo) {
+    case TipoCampo::Importo:
+      return "NUMERIC(19,4)";
+    case TipoCampo::Doppio:
+      return "DOUBLE PRECISION";
+    case TipoCampo::Singolo:
+      return "REAL";
+    case TipoCampo::Data:
+      return "DATE";
+    case TipoCampo::Booleano:
+      return "BOOLEAN";
+    case TipoCampo::Intero16:
+      return "SMALLINT";
+    case TipoCampo::Intero32:
+      return "INTEGER";
+    default:
+      return "TEXT";
+  }
+}
+
+}  // namespace vorn

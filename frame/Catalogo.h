@@ -1,0 +1,58 @@
+// The catalogue of the company database: every persistent table with its columns, their kinds,
+// its key, whether it carries the last-reader stamp (clientName, hWnd) and whether it holds one
+// row of settings; and the two saved queries that statements join as tables.
+//
+// Work tables that a run builds for itself (a client's prefix + a fixed name, the
+// "Elaborazione ..." report tables, the balance-sheet and year-change scratch tables) are not
+// company data and are not listed here: the run that needs them creates them.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/Db.h"
+
+namespace vorn {
+
+struct ColonnaCatalogo {
+  std::string nome;
+  TipoCampo tipo = TipoCampo::Testo;
+};
+
+struct TabellaCatalogo {
+  std::string nome;
+  // In the order of the definition, the stamp columns last when the table has them.
+  std::vector<ColonnaCatalogo> colonne;
+  // Key columns in key order; empty for a one-row table.
+  std::vector<std::string> chiave;
+  bool timbro = false;     // clientName (text) and hWnd (32-bit integer)
+  bool rigaUnica = false;  // one row of settings, read with no filter
+
+  // The column of that name (without regard to case), or nullptr.
+  const ColonnaCatalogo* Colonna(std::string_view nome) const;
+};
+
+// A saved query: a view over the tables, read by the statements like a table.
+struct VistaCatalogo {
+  std::string nome;
+  std::vector<std::string> colonne;
+  std::string select;  // the SELECT that defines it, with bracketed names
+};
+
+// An index that the journal and balance queries need.
+struct IndiceCatalogo {
+  std::string nome;  // short: the engines share one name space per schema
+  std::string tabella;
+  std::vector<std::string> colonne;
+};
+
+const std::vector<TabellaCatalogo>& TabelleCatalogo();
+const std::vector<VistaCatalogo>& VisteCatalogo();
+const std::vector<IndiceCatalogo>& IndiciCatalogo();
+// The table of that name (without regard to case), or nullptr.
+const TabellaCatalogo* TabellaCatalogoDi(std::string_view nome);
+
+// The DDL type of a kind, the same word on both engines.
+std::string TipoSql(TipoCampo tipo);
+
+}  // namespace vorn
