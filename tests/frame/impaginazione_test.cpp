@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "frame/Comuni.h"
+#include "frame/FileVorn.h"
+#include "frame/Globali.h"
+#include "frame/Host.h"
+#include "frame/Impaginazione.h"
+#include "support/Motori.h"
+
+using namespace vorn;
+namespace fs = std::filesystem;
+
+namespace {
+
+class Impaginazione : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    AzzeraGlobali();
+    dir = std::make_unique<vorn::test::CartellaTemp>();
+    ingresso = dir->Percorso() + "/corpo.tmp";
+    uscita = dir->Percorso() + "/stampa.txt";
+  }
+  void TearDown() override { AzzeraGlobali(); }
+
+  void Corpo(const std::vector<std::string>& righe) {
+    std::ofstream f(ingresso, std::ios::binary);
+    for (const auto& r : righe) f << r << '\n';
+  }
+  static std::vector<std::string> Corpo(int n, const std::string& prefisso = "riga ") {
+    std::vector<std::string> v;
+    for (int i = 1; i <= n; ++i) v.push_back(prefisso + std::to_string(i));
+    return v;
+  }
+  std::string Uscita() const { return vorn::test::LeggiFile(uscita); }
+  std::vector<std::string> Righe() const {
+    std::vector<std::string> v;
+    std::istringstream s(Uscita());
+    std::string r;
+    while (std::getline(s, r)) v.push_back(r);
+    return v;
+  }
+
+  std::array<std::string, 7> testata{"DITTA PROVA S.R.L.", "Registro di prova", "", "Data       Descrizione", "----",
+                                     "", "t7"};
+  std::array<std::string, 2> piede{"p1 ---", "p2 ==="};
+
+  std::unique_ptr<vorn::test::CartellaTemp> dir;
+  std::string ingresso, uscita;
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------- fixed head and foot
+
+TEST_F(Impaginazione, PageBreakInTheMiddleAndBlankFiller) {
+  // 14 rows: head of 9, three body rows, foot of 2.
+  Corpo(Corpo(5));
+  ImpaginaFile(ingresso, uscita, 14, testata, piede);
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 28u);
+  EXPECT_EQ(r[11], "riga 3");
+  EXPECT_EQ(r[12], "p1 ---");
+  EXPECT_EQ(r[16], "DITTA PROVA S.R.L.");  // the second head
+  EXPECT_EQ(r[25], "");                    // filler
+  vorn::test::ConfrontaGolden("frame/golden/impagina_file.txt", Uscita());
+}
+
+TEST_F(Impaginazione, LastPageEndingAtTheUsableRowsHasNoFillerNorAsterisks) {
+  Corpo(Corpo(6));
+  ImpaginaFile(ingresso, uscita, 14, testata, piede, true);
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 28u);
+  EXPECT_EQ(r[25], "riga 6");
+  EXPECT_EQ(r[26], "p1 ---");
+  EXPECT_EQ(Uscita().find('*'), std::string::npos);
+}
+
+TEST_F(Impaginazione, AsteriskDiagonalEndsAtColumn131) {
+  Corpo({"Attività ordinaria", "riga 2"});
+  ImpaginaFile(ingresso, uscita, 14, testata, piede, true);
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 14u);
+  EXPECT_EQ(r[11], std::string(130, ' ') + "*");
+  EXPECT_EQ(LunghezzaTesto(r[11]), 131u);
+  vorn::test::ConfrontaGolden("frame/golden/impagina_asterischi.txt", Uscita());
+}
+
+TEST_F(Impaginazione, DiagonalStartsAtColumnZeroWithMoreThan131RowsLeft) {
+  Corpo(std::vector<std::string>{});
+  ImpaginaFile(ingresso, uscita, 150, testata, piede, true);  // 148 usable rows, 139 left
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 150u);
+  EXPECT_EQ(r[9], "*");
+  EXPECT_EQ(r[10], " *");
+  EXPECT_EQ(r[147], std::string(138, ' ') + "*");
+  EXPECT_EQ(r[148], "p1 ---");
+}
+
+TEST_F(Impaginazione, ClosersAndPagesShorterThanTheHead) {
+  std::ostringstream bianca, asterischi;
+  ChiudiPaginaBianca(bianca, 1, 5);
+  EXPECT_EQ(bianca.str(), "\n\n");
+  ChiudiPaginaAsterischi(asterischi, 1, 5);
+  EXPECT_EQ(asterischi.str(), std::string(129, ' ') + "*\n" + std::string(130, ' ') + "*\n");
+  // Fewer than five rows count as five; a head longer than the page breaks with the foot and
+  // never loops.
+  Corpo(Corpo(2));
+  ImpaginaFile(ingresso, uscita, 2, testata, piede);
+  auto r = Righe();
+  ASSERT_GE(r.size(), 11u);
+  EXPECT_EQ(r[3], "p1 ---");  // three head lines fill the three usable rows
+  EXPECT_EQ(r.back(), "p2 ===");
+}
+
+TEST_F(Impaginazione, MissingInputRaises) {
+  EXPECT_THROW(ImpaginaFile(dir->Percorso() + "/manca.tmp", uscita, 66, testata, piede), std::runtime_error);
+  EXPECT_FALSE(EsisteFile(uscita));
+}
+
+// ---------------------------------------------------------------- company head and foot
+
+TEST_F(Impaginazione, AziendaStampsEachPageAndCountsOnlyFilledLines) {
+  G().ContatorePagina = Valore(7);  // left over from another report
+  std::string regola(40, '=');
+  std::array<std::string, 9> t{"DITTA ROSSI & C.", regola, "   ", "Conto     Descrizione", "", "", "", "", ""};
+  std::array<std::string, 4> p{"--- segue ---", "  ", "", ""};
+  Corpo(Corpo(6, "movimento "));
+  // 10 rows: foot of 1 counted line, head of 1 + 4 lines, 4 body rows a page.
+  ImpaginaFileAzienda(ingresso, uscita, 10, t, p, 2);
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 20u);
+  EXPECT_EQ(r[2], std::string(26, '=') + "Pag:     1 ===");
+  EXPECT_EQ(r[12], std::string(26, '=') + "Pag:     2 ===");
+  EXPECT_EQ(r[9], "--- segue ---");
+  EXPECT_EQ(G().ContatorePagina, Valore(2));
+  vorn::test::ConfrontaGolden("frame/golden/impagina_azienda.txt", Uscita());
+
+  // The asterisk closer uses the foot's own count.
+  Corpo(Corpo(1, "movimento "));
+  ImpaginaFileAzienda(ingresso, uscita, 10, t, p, 2, true);
+  r = Righe();
+  ASSERT_EQ(r.size(), 10u);
+  EXPECT_EQ(r[6], std::string(128, ' ') + "*");
+  EXPECT_EQ(r[8], std::string(130, ' ') + "*");
+  EXPECT_EQ(r[9], "--- segue ---");
+}
+
+TEST_F(Impaginazione, RigaPaginaStamp) {
+  RigaPagina("", 0);
+  EXPECT_EQ(G().ContatorePagina, Valore(0));
+  std::string regola(20, '=');
+  EXPECT_EQ(RigaPagina(regola), "======Pag:     1 ===");
+  EXPECT_EQ(RigaPagina("àè" + std::string(14, '=')), "àèPag:     2 ===");
+  EXPECT_EQ(RigaPagina("corta"), "Pag:     3 ===");
+  EXPECT_EQ(RigaPagina("x", Valore(false)), "");  // any value resets
+  EXPECT_EQ(G().ContatorePagina, Valore(0));
+  EXPECT_EQ(LunghezzaTesto(RigaPagina(std::string(131, '='))), 131u);
+}
+
+// ---------------------------------------------------------------- pre-numbered books
+
+TEST_F(Impaginazione, SempliceOverwritesRowsAndNumbersPages) {
+  Corpo({"uno", "Attività due", "tre", "quattro", "cinque", "sei", "sette"});
+  Valore numero(41);
+  ImpaginaSemplice(ingresso, uscita, 5, 2, "INTESTAZIONE", 6, "CHIUSURA", 3, " 2025 ", numero);
+  EXPECT_EQ(numero, Valore(43));
+  auto r = Righe();
+  ASSERT_EQ(r.size(), 7u);
+  EXPECT_EQ(r[0], "INTESTAZIONE");
+  EXPECT_EQ(r[1], PadSinistra(Valore("Attività due"), 120) + "    2025/41");
+  EXPECT_EQ(LunghezzaTesto(r[1]), 131u);
+  EXPECT_EQ(r[4], "CHIUSURA");
+  EXPECT_EQ(r[5], "INTESTAZIONE");
+  EXPECT_EQ(r[6], std::string("sette") + std::string(115, ' ') + "    2025/42");
+  vorn::test::ConfrontaGolden("frame/golden/impagina_semplice.txt", Uscita());
+}
+
+// ---------------------------------------------------------------- files and folders
+
+TEST_F(Impaginazione, FilesAndFolders) {
+  std::string base = dir->Percorso();
+  EXPECT_FALSE(EsisteFile(base));  // a folder reads as absent
+  EXPECT_FALSE(EsisteFile(base + "/manca.txt"));
+  EXPECT_FALSE(EsisteFile(""));
+  Corpo({"a"});
+  EXPECT_TRUE(EsisteFile(ingresso));
+  CancellaFile(ingresso);
+  EXPECT_FALSE(EsisteFile(ingresso));
+  CancellaFile(ingresso);  // nothing to delete
+
+  EXPECT_EQ(TogliBarraFinale("/a/b/"), "/a/b");
+  EXPECT_EQ(TogliBarraFinale("/a/b//"), "/a/b/");
+  EXPECT_EQ(TogliBarraFinale(""), "");
+
+  std::string percorso = "  " + base + "/Livello Uno/Due/Tre/  ";
+  CreaCartella(percorso);
+  EXPECT_EQ(percorso, base + "/Livello Uno/Due/Tre");  // trimmed, no trailing "/", case kept
+  EXPECT_TRUE(fs::is_directory(percorso));
+  CreaCartella(percorso);  // already there
+  EXPECT_TRUE(fs::is_directory(base + "/Livello Uno"));
+  EXPECT_FALSE(fs::exists(base + "/LIVELLO UNO"));
+
+  std::string dest = base + "/unito.txt";
+  { std::ofstream(dest) << "testa\n"; }
+  { std::ofstream(ingresso, std::ios::binary) << "uno\r\ndue"; }
+  AccodaFile(ingresso, dest);
+  AccodaFile(base + "/manca.txt", dest);
+  EXPECT_EQ(vorn::test::LeggiFile(dest), "testa\nuno\ndue\n");
+}
+
+TEST_F(Impaginazione, CartellaTempOfTheApplication) {
+  HostSilenzioso host(dir->Percorso() + "/Applicazione/");
+  ImpostaHost(&host);
+  std::string t = CartellaTemp();
+  ImpostaHost(nullptr);
+  EXPECT_EQ(t, dir->Percorso() + "/Applicazione/Temp");
+  EXPECT_TRUE(fs::is_directory(t));
+}
