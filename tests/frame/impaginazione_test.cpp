@@ -21,7 +21,7 @@ class Impaginazione : public ::testing::Test {
  protected:
   void SetUp() override {
     AzzeraGlobali();
-    dir = std::make_unique<vorn::test::CartellaTemp>();
+    dir = std::make_unique<vorn::test::CartellaProva>();
     ingresso = dir->Percorso() + "/corpo.tmp";
     uscita = dir->Percorso() + "/stampa.txt";
   }
@@ -49,7 +49,7 @@ class Impaginazione : public ::testing::Test {
                                      "", "t7"};
   std::array<std::string, 2> piede{"p1 ---", "p2 ==="};
 
-  std::unique_ptr<vorn::test::CartellaTemp> dir;
+  std::unique_ptr<vorn::test::CartellaProva> dir;
   std::string ingresso, uscita;
 };
 
@@ -216,7 +216,7 @@ TEST_F(Impaginazione, FilesAndFolders) {
 TEST_F(Impaginazione, CartellaTempOfTheApplication) {
   HostSilenzioso host(dir->Percorso() + "/Applicazione/");
   ImpostaHost(&host);
-  std::string t = CartellaTemp();
+  std::string t = vorn::CartellaTemp();
   ImpostaHost(nullptr);
   EXPECT_EQ(t, dir->Percorso() + "/Applicazione/Temp");
   EXPECT_TRUE(fs::is_directory(t));

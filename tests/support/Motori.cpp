@@ -27,14 +27,14 @@ int HostScript::MsgBox(const std::string& testo, int stile, const std::string& t
   return r;
 }
 
-CartellaTemp::CartellaTemp() {
+CartellaProva::CartellaProva() {
   std::string base = std::filesystem::temp_directory_path().string() + "/vorn-test-XXXXXX";
   std::vector<char> buf(base.begin(), base.end());
   buf.push_back('\0');
   if (!mkdtemp(buf.data())) throw std::runtime_error("mkdtemp");
   path_ = buf.data();
 }
-CartellaTemp::~CartellaTemp() {
+CartellaProva::~CartellaProva() {
   std::error_code ec;
   std::filesystem::remove_all(path_, ec);
 }
@@ -72,7 +72,7 @@ std::string NomeMotore(const ::testing::TestParamInfo<Motore>& info) {
 
 void DbTest::SetUp() {
   AzzeraGlobali();
-  dir = std::make_unique<CartellaTemp>();
+  dir = std::make_unique<CartellaProva>();
   host = std::make_unique<HostScript>(dir->Percorso());
   ImpostaHost(host.get());
   if (GetParam() == Motore::SQLite) {

@@ -31,10 +31,10 @@ class HostScript : public HostSilenzioso {
 };
 
 // A folder of its own, removed at the end.
-class CartellaTemp {
+class CartellaProva {
  public:
-  CartellaTemp();
-  ~CartellaTemp();
+  CartellaProva();
+  ~CartellaProva();
   const std::string& Percorso() const { return path_; }
 
  private:
@@ -58,7 +58,7 @@ class DbTest : public ::testing::TestWithParam<Motore> {
   std::shared_ptr<Connessione> AltraConnessione();
   bool Pg() const { return GetParam() == Motore::PostgreSQL; }
 
-  std::unique_ptr<CartellaTemp> dir;
+  std::unique_ptr<CartellaProva> dir;
   std::unique_ptr<HostScript> host;
   std::shared_ptr<Connessione> cn;
   std::string file;                // SQLite
