@@ -17,16 +17,19 @@ namespace vorn {
 struct ColonnaCatalogo {
   std::string nome;
   TipoCampo tipo = TipoCampo::Testo;
+  // Numbered by the database when an insert leaves it out; always the table's whole key.
+  bool automatico = false;
 };
 
 struct TabellaCatalogo {
   std::string nome;
   // In the order of the definition, the stamp columns last when the table has them.
   std::vector<ColonnaCatalogo> colonne;
-  // Key columns in key order; empty for a one-row table.
+  // Key columns in key order; empty for a one-row table and for a table without key.
   std::vector<std::string> chiave;
-  bool timbro = false;     // clientName (text) and hWnd (32-bit integer)
-  bool rigaUnica = false;  // one row of settings, read with no filter
+  bool timbro = false;       // clientName (text) and hWnd (32-bit integer)
+  bool rigaUnica = false;    // one row of settings, read with no filter
+  bool senzaChiave = false;  // rows appended by statements, told apart by no column: edited by row identity
 
   // The column of that name (without regard to case), or nullptr.
   const ColonnaCatalogo* Colonna(std::string_view nome) const;

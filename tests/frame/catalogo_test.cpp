@@ -25,15 +25,16 @@ TEST(Catalogo, DefinizioniCoerenti) {
   for (const auto& t : TabelleCatalogo()) {
     EXPECT_TRUE(nomi.insert(LCase(t.nome)).second) << "tabella doppia " << t.nome;
     EXPECT_FALSE(t.colonne.empty()) << t.nome;
-    if (t.rigaUnica) EXPECT_TRUE(t.chiave.empty()) << t.nome;
+    if (t.rigaUnica || t.senzaChiave) EXPECT_TRUE(t.chiave.empty()) << t.nome;
     else EXPECT_FALSE(t.chiave.empty()) << "tabella senza chiave " << t.nome;
+    EXPECT_FALSE(t.rigaUnica && t.senzaChiave) << t.nome;
     for (const auto& k : t.chiave) EXPECT_NE(t.Colonna(k), nullptr) << t.nome << "." << k;
     if (t.timbro) {
       ASSERT_NE(t.Colonna("clientName"), nullptr);
       EXPECT_EQ(t.Colonna("clientName")->tipo, TipoCampo::Testo);
       EXPECT_EQ(t.Colonna("hWnd")->tipo, TipoCampo::Intero32);
     } else {
-      EXPECT_EQ(t.Colonna("clientName"), nullptr) << t.nome;
+      EXPECT_FALSE(t.Colonna("clientName") && t.Colonna("hWnd")) << "timbro non dichiarato in " << t.nome;
     }
   }
   for (const auto& v : VisteCatalogo()) EXPECT_TRUE(nomi.insert(LCase(v.nome)).second) << v.nome;
@@ -65,7 +66,14 @@ TEST(Catalogo, TipiDelleColonneChiave) {
   EXPECT_EQ(tipo("Tabella Azienda", "Cambio fisso LIRE/EURO"), TipoCampo::Doppio);
   EXPECT_EQ(tipo("Tabella Azienda", "Decimali importi"), TipoCampo::Intero16);
   EXPECT_EQ(tipo("Parametri Vorn", "GestioneStoricoContabile"), TipoCampo::Booleano);
-  EXPECT_EQ(tipo("Codici Iva", "Aliquota"), TipoCampo::Doppio);
+  EXPECT_EQ(tipo("Codici Iva", "Aliquota"), TipoCampo::Importo);
+  EXPECT_EQ(tipo("Codici Iva", "Percentuale indetraibilità"), TipoCampo::Doppio);
+  EXPECT_EQ(tipo("Bolli Utilizzati", "Qta bollo"), TipoCampo::Intero32);
+  EXPECT_EQ(tipo("Fatture", "Elaborata"), TipoCampo::Booleano);
+  EXPECT_EQ(tipo("Fatture", "Totale Documento"), TipoCampo::Importo);
+  EXPECT_EQ(tipo("CespitiMovimentiRighe", "ImportoMovimentoFisc"), TipoCampo::Doppio);
+  EXPECT_EQ(tipo("Liquidazioni Periodiche", "IVADovuta"), TipoCampo::Importo);
+  EXPECT_EQ(tipo("Importi Fissi", "Bollo tratta italiana"), TipoCampo::Singolo);
   EXPECT_EQ(tipo("Anagrafica Fornitori", "Codice Cliente"), TipoCampo::Testo);
   // Clients and suppliers have the same columns.
   const auto* cli = TabellaCatalogoDi("Anagrafica Clienti");
