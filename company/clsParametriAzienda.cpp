@@ -40,7 +40,9 @@ Data Apertura(const Valore& meseChiusura, std::optional<Data> oggi) {
   Data o = oggi ? *oggi : Data::Oggi();
   int mese = MeseApertura(meseChiusura);
   int anno = mese > o.Mese() ? o.Anno() - 1 : o.Anno();
-  return *Data::Crea(anno, mese, 1);
+  auto d = Data::Crea(anno, mese, 1);
+  return d ? *d : o;  // only outside the calendar's years
+
 }
 
 }  // namespace
