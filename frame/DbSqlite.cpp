@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <list>
+#include <memory>
 #include <unordered_map>
 
 #include "frame/Db.h"
@@ -41,8 +42,11 @@ struct StatoSomma {
 };
 
 void SommaPasso(sqlite3_context* ctx, int, sqlite3_value** argv) {
-  auto* s = static_cast<StatoSomma*>(sqlite3_aggregate_context(ctx, sizeof(StatoSomma)));
-  if (!s) return;
+  // The aggregate context is only 8-byte aligned: it holds a pointer to the state.
+  auto** slot = static_cast<StatoSomma**>(sqlite3_aggregate_context(ctx, sizeof(StatoSomma*)));
+  if (!slot) return;
+  if (!*slot) *slot = new StatoSomma();
+  StatoSomma* s = *slot;
   int t = sqlite3_value_numeric_type(argv[0]);
   if (t == SQLITE_NULL) return;
   ++s->n;
@@ -70,7 +74,8 @@ void SommaPasso(sqlite3_context* ctx, int, sqlite3_value** argv) {
 }
 
 void SommaFine(sqlite3_context* ctx, bool total) {
-  auto* s = static_cast<StatoSomma*>(sqlite3_aggregate_context(ctx, 0));
+  auto** slot = static_cast<StatoSomma**>(sqlite3_aggregate_context(ctx, 0));
+  std::unique_ptr<StatoSomma> s(slot ? *slot : nullptr);
   if (!s || s->n == 0) {
     if (total) sqlite3_result_double(ctx, 0.0);
     else sqlite3_result_null(ctx);
