@@ -262,14 +262,27 @@ void Recordset::Update() {
       p.push_back(originale_[rid_]);
     }
   }
-  if (rid_ >= 0) sql += " RETURNING " + ridExpr;
-  auto esito = cn_->EseguiInterno(cn_->Traduci(sql), p, rid_ >= 0);
-  if (rid_ >= 0) {
-    if (esito.dati.rows.empty())
-      throw ErroreDb(3197, "Impossibile trovare la riga per l'aggiornamento: alcuni valori potrebbero essere stati modificati dall'ultima lettura.");
-    row[rid_] = esito.dati.rows[0][0];
-  } else if (esito.righe == 0) {
+  // The row as the database holds it now: defaults and generated numbers come back too.
+  sql += " RETURNING *";
+  if (rid_ >= 0) sql += ", " + ridExpr + " AS vorn_rid";
+  auto esito = cn_->EseguiInterno(cn_->Traduci(sql), p, true);
+  if (esito.dati.rows.empty())
     throw ErroreDb(3197, "Impossibile trovare la riga per l'aggiornamento: alcuni valori potrebbero essere stati modificati dall'ultima lettura.");
+  const auto& nuova = esito.dati.rows[0];
+  for (size_t k = 0; k < esito.dati.cols.size(); ++k) {
+    if (rid_ >= 0 && k + 1 == esito.dati.cols.size()) {
+      row[rid_] = nuova[k];
+      continue;
+    }
+    for (size_t i = 0; i < cols_.size(); ++i) {
+      if (static_cast<int>(i) == rid_ || !UgualeNoCase(cols_[i].nome, esito.dati.cols[k].nome)) continue;
+      try {
+        row[i] = Coerci(nuova[k], cols_[i].tipo);
+      } catch (const ErroreDb&) {
+        row[i] = nuova[k];
+      }
+      break;
+    }
   }
   edit_ = adEditNone;
   originale_.clear();
