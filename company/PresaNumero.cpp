@@ -1,0 +1,127 @@
+#include "company/PresaNumero.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+namespace vorn {
+
+namespace {
+
+bool ValoreVuoto(const Valore& v) { return v.IsEmpty() || v.IsNull() || (v.IsText() && v.Str().empty()); }
+
+int64_t InteroDi(const Valore& v) {
+  if (v.IsNull() || v.IsEmpty()) return 0;
+  if (auto i = v.ComeIntero()) return *i;
+  return static_cast<int64_t>(Val(v.Testo()));
+}
+
+// The counter's row, locked on PostgreSQL until the transaction ends.
+Recordset LeggiContatore(Connessione& cn, const Contatore& c) {
+  std::string sql = "SELECT * FROM [" + c.tabella + "]";
+  if (!c.where.empty()) sql += " WHERE " + c.where;
+  sql += " LIMIT 1";
+  if (cn.IsPostgres()) sql += " FOR UPDATE";
+  return cn.ApriSql(sql, c.parametri);
+}
+
+// The name under which two clients that both find the counter missing wait for each other.
+std::string NomeBlocco(const Contatore& c) {
+  std::string s = "vorn|" + c.tabella + "|" + c.colonna + "|" + c.where;
+  for (const auto& p : c.parametri) s += "|" + p.Testo();
+  return s;
+}
+
+int64_t Successivo(const Contatore& c, int64_t ultimo) {
+  if (ultimo >= std::numeric_limits<int32_t>::max())
+    throw ErroreDb(6, "Il contatore " + c.colonna + " di " + c.tabella + " ha raggiunto il numero massimo " +
+                          std::to_string(std::numeric_limits<int32_t>::max()) + ".");
+  return ultimo + 1;
+}
+
+}  // namespace
+
+FiltroChiave& FiltroChiave::Testo(const std::string& colonna, const Valore& valore) {
+  if (ValoreVuoto(valore)) {
+    parti_.push_back("(" + colonna + " = '' OR " + colonna + " IS NULL)");
+  } else {
+    parti_.push_back(colonna + " = ?");
+    valori_.push_back(Valore(valore.Testo()));
+  }
+  return *this;
+}
+
+FiltroChiave& FiltroChiave::Numero(const std::string& colonna, const Valore& valore) {
+  if (ValoreVuoto(valore)) {
+    parti_.push_back("(" + colonna + " = 0 OR " + colonna + " IS NULL)");
+    return *this;
+  }
+  std::optional<int64_t> n;
+  if (valore.IsText()) {
+    if (auto t = NormalizzaNumero(Trim(valore.Str()))) n = Valore(*t).ComeIntero();
+  } else if (valore.IsNumber()) {
+    n = valore.ComeIntero();
+  }
+  if (!n) throw ErroreDb(13, "Valore non numerico in un filtro: " + valore.Testo());
+  parti_.push_back(colonna + " = ?");
+  valori_.push_back(Valore(static_cast<long long>(*n)));
+  return *this;
+}
+
+std::string FiltroChiave::Where() const {
+  std::string s;
+  for (const auto& p : parti_) s += (s.empty() ? "" : " AND ") + p;
+  return s.empty() ? s : "(" + s + ")";
+}
+
+int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
+  Atomico transazione(cn);
+  Recordset rs = LeggiContatore(cn, c);
+  if (rs.Eof() && cn.IsPostgres()) {
+    // No row yet: whoever comes second waits here for the first to commit the row it makes,
+    // then finds it and counts on from it.
+    cn.Esegui("SELECT pg_advisory_xact_lock(hashtext(?))", {Valore(NomeBlocco(c))});
+    rs = LeggiContatore(cn, c);
+  }
+  int64_t ultimo = rs.Eof() ? 0 : InteroDi(rs(c.colonna).Value());
+  if (!c.sqlMassimo.empty()) ultimo = std::max(ultimo, InteroDi(cn.Scalare(c.sqlMassimo, c.parametriMassimo)));
+
+  if (rs.Eof()) {
+    int64_t nuovo = Successivo(c, ultimo);
+    try {
+      Atomico inserimento(cn);
+      rs.AddNew();
+      for (const auto& [colonna, valore] : c.nuovaRiga) rs(colonna) = valore;
+      rs(c.colonna) = Valore(static_cast<long long>(nuovo));
+      rs.Update();
+      inserimento.Conferma();
+      transazione.Conferma();
+      return static_cast<int32_t>(nuovo);
+    } catch (const ErroreDb& e) {
+      // A client that does not take its numbers here made the row meanwhile: count on from it.
+      if (!ChiaveDuplicata(e)) throw;
+    }
+    rs = LeggiContatore(cn, c);
+    if (rs.Eof()) throw ErroreDb(3022, MsgNumeroGiaUsato(c.colonna, Valore(static_cast<long long>(nuovo))));
+    ultimo = std::max(ultimo, InteroDi(rs(c.colonna).Value()));
+  }
+  int64_t nuovo = Successivo(c, ultimo);
+  rs(c.colonna) = Valore(static_cast<long long>(nuovo));
+  rs.Update();
+  transazione.Conferma();
+  return static_cast<int32_t>(nuovo);
+}
+
+bool ChiaveDuplicata(const ErroreDb& e) {
+  if (e.SqlState() == "23505") return true;  // PostgreSQL: unique_violation
+  const std::string& d = e.Descrizione();
+  return d.find("UNIQUE constraint failed") != std::string::npos ||
+         d.find("PRIMARY KEY constraint failed") != std::string::npos;
+}
+
+std::string MsgNumeroGiaUsato(const std::string& cosa, const Valore& numero) {
+  return "Il numero " + numero.Testo() + " di " + cosa +
+         " è già stato usato da un altro utente: ripetere l'operazione.";
+}
+
+}  // namespace vorn
