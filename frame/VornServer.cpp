@@ -149,13 +149,13 @@ bool LocalizzaRecordProtocollo(Connessione& cn, Recordset& T, std::string_view t
 
 bool SalvaRecordProtocollo(Connessione& cn, std::string_view tabella, std::string_view where, const Parametri& p,
                            const Valore& clientID, long hWnd, bool& Cancel,
-                           const std::function<void(Recordset& rs, bool nuovo)>& assegna) {
+                           const std::function<void(Recordset& rs, bool nuovo)>& assegna, bool chiedi) {
   Cancel = false;
   Recordset rs = cn.Apri(tabella, where, p);
   bool nuovo = rs.Eof();
   if (nuovo) {
     rs.AddNew();
-  } else if (ConfermaSovrascrittura(rs, clientID, hWnd)) {
+  } else if (chiedi && ConfermaSovrascrittura(rs, clientID, hWnd)) {
     rs.Close();
     Cancel = true;
     return false;

@@ -64,8 +64,9 @@ bool LocalizzaRecordProtocollo(Connessione& cn, Recordset& T, std::string_view t
 // Salva opens the row by its key; a missing row is added, an existing one reached by another
 // reader asks ConfermaSovrascrittura (no: Cancel true, nothing written, result false). Then
 // `assegna` fills the fields (`nuovo` tells an added row), the stamp joins the row, Update.
+// `chiedi` false overwrites without asking: how bulk loaders save.
 bool SalvaRecordProtocollo(Connessione& cn, std::string_view tabella, std::string_view where, const Parametri& p,
                            const Valore& clientID, long hWnd, bool& Cancel,
-                           const std::function<void(Recordset& rs, bool nuovo)>& assegna);
+                           const std::function<void(Recordset& rs, bool nuovo)>& assegna, bool chiedi = true);
 
 }  // namespace vorn
