@@ -11,7 +11,7 @@ namespace vorn::cli {
 
 const char* const kUsoAzienda =
     "L'azienda: un file SQLite (FILE), oppure un database PostgreSQL con\n"
-    "  --pg-database NOME  [--pg-host HOST[:PORTA]]  [--pg-user UTENTE]\n"
+    "  --pg-database NOME  [--pg-host HOST[:PORTA]]  [--pg-user UTENTE]  [--pg-schema SCHEMA]\n"
     "  (la password da VORN_PG_PASSWORD, altrimenti chiesta sul terminale senza eco)\n";
 
 std::optional<std::string> Argomenti::Opzione(const std::string& nome) {
@@ -80,7 +80,9 @@ AziendaCli LeggiAzienda(Argomenti& a) {
   auto db = a.Opzione("--pg-database");
   auto host = a.Opzione("--pg-host");
   auto user = a.Opzione("--pg-user");
+  auto schema = a.Opzione("--pg-schema");
   if (db) {
+    az.pg.schema = schema.value_or("");
     az.postgres = true;
     az.pg.database = *db;
     az.pg.host = host.value_or("");
@@ -89,7 +91,7 @@ AziendaCli LeggiAzienda(Argomenti& a) {
     else az.pg.password = LeggiPasswordNascosta("Password PostgreSQL: ");
     return az;
   }
-  if (host || user) throw ErroreUso("--pg-host e --pg-user vanno con --pg-database");
+  if (host || user || schema) throw ErroreUso("--pg-host, --pg-user e --pg-schema vanno con --pg-database");
   az.file = a.Posizionale("il file dell'azienda (FILE)");
   return az;
 }
@@ -98,6 +100,7 @@ std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az) {
   auto db = std::make_unique<clsDB>();
   bool ok;
   if (az.postgres) {
+    db->schemaPostgreSQL = az.pg.schema;
     std::string server = az.pg.host;
     if (!az.pg.port.empty()) server += ":" + az.pg.port;
     ok = db->ConnettiDatabasePostgreSQL(Valore(az.pg.database), Valore(server), Valore(az.pg.user), Valore(az.pg.password));
