@@ -1,0 +1,6 @@
+// The benchmarks of vorn_bench besides the journal's own: each takes the arguments of its run
+// (argv[0] is the name it was called by, its options follow) and returns the exit code.
+#pragma once
+
+// Ledger cards and balances at a date over a large journal.
+int BenchMastrini(int argc, char** argv);

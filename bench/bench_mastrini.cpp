@@ -1,0 +1,327 @@
+// Ledger cards and balances over a large journal.
+//
+//   BenchMastrini: [--righe N] [--righe-conto M] [--motore sqlite|postgres|entrambi] [--ripetizioni R]
+//
+// N journal rows (1,000,000) are written straight into an empty company with multi-row INSERTs,
+// M of them (100,000) on one busy sub-account, the rest spread over two hundred others. Then,
+// R times each: the balance at a date of the busy account and of a quiet one, the balances of a
+// period, the card of the busy account printed and paginated, and the same card into a grid.
+// Each balance is checked against the sum kept while the rows were written.
+// PostgreSQL comes from VORN_PG_HOST, VORN_PG_PORT, VORN_PG_USER, VORN_PG_PASSWORD, VORN_PG_DB;
+// each run works in a schema of its own, dropped at the end.
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "bench/bench.h"
+#include "company/clsProgAzienda.h"
+#include "frame/Comuni.h"
+#include "frame/FileVorn.h"
+#include "frame/Globali.h"
+#include "frame/Host.h"
+#include "frame/Schema.h"
+#include "ledger/clsSaldiContabili.h"
+#include "ledger/clsStampaMastrini.h"
+#include "ledger/clsVisualizzaMastrini.h"
+
+using namespace vorn;
+
+namespace {
+
+using Orologio = std::chrono::steady_clock;
+double Secondi(Orologio::time_point da) { return std::chrono::duration<double>(Orologio::now() - da).count(); }
+
+std::string Ambiente(const char* k) {
+  const char* v = std::getenv(k);
+  return v ? v : "";
+}
+
+// A fresh company on one engine, with a folder of its own for the reports; removed at the end.
+class AziendaMastrini {
+ public:
+  explicit AziendaMastrini(bool pg) : pg_(pg) {
+    cartella_ = std::filesystem::temp_directory_path().string() + "/vorn_bench_mastrini_" + std::to_string(getpid());
+    std::filesystem::create_directories(cartella_);
+    host_ = std::make_unique<HostSilenzioso>(cartella_);
+    ImpostaHost(host_.get());
+    if (pg_) {
+      p_.host = Ambiente("VORN_PG_HOST");
+      p_.port = Ambiente("VORN_PG_PORT");
+      p_.user = Ambiente("VORN_PG_USER");
+      p_.password = Ambiente("VORN_PG_PASSWORD");
+      p_.database = Ambiente("VORN_PG_DB").empty() ? "postgres" : Ambiente("VORN_PG_DB");
+      auto admin = Connessione::ApriPostgres(p_);
+      p_.schema = "bench_mastrini_" + std::to_string(getpid());
+      admin->Esegui("DROP SCHEMA IF EXISTS " + p_.schema + " CASCADE");
+      admin->Esegui("CREATE SCHEMA " + p_.schema);
+      cn = Connessione::ApriPostgres(p_);
+    } else {
+      OpzioniSqlite o;
+      o.crea = true;
+      cn = Connessione::ApriSqlite(cartella_ + "/azienda.db", o);
+    }
+    CreaSchema(*cn);
+    G().ConnessioneGlobale = cn;
+    G().IndSqlServer = pg_ ? "1" : "0";
+  }
+  ~AziendaMastrini() {
+    G().ConnessioneGlobale.reset();
+    cn->Close();
+    cn.reset();
+    if (pg_) {
+      try {
+        ParametriPostgres p = p_;
+        p.schema.clear();
+        Connessione::ApriPostgres(p)->Esegui("DROP SCHEMA " + p_.schema + " CASCADE");
+      } catch (const std::exception& e) {
+        std::fprintf(stderr, "schema %s non eliminato: %s\n", p_.schema.c_str(), e.what());
+      }
+    }
+    ImpostaHost(nullptr);
+    std::error_code ec;
+    std::filesystem::remove_all(cartella_, ec);
+  }
+  std::shared_ptr<Connessione> cn;
+
+ private:
+  bool pg_;
+  ParametriPostgres p_;
+  std::string cartella_;
+  std::unique_ptr<HostSilenzioso> host_;
+};
+
+// A grid that only counts.
+class GrigliaConta : public IGrigliaMastrino {
+ public:
+  void Clear() override { n = 0; }
+  void Cols(int, const std::vector<std::string>&) override {}
+  int Rows() const override { return n; }
+  void AddItem(const std::string&, int) override { ++n; }
+  void Cell(Proprieta, int, int, int, int, long) override {}
+  void Refresh() override {}
+  int n = 0;
+};
+class FormConta : public IFormMastrino {
+ public:
+  IGrigliaMastrino& vsMovimenti() override { return g; }
+  GrigliaConta g;
+};
+
+const char* const kContoAttivo = "1501001";
+const char* const kContoQuieto = "6001007";
+
+// What the loading kept: the balance of both accounts at the date of the checks.
+struct Attesi {
+  Importo attivoAData, quietoAData;
+  Importo darePeriodo, averePeriodo;  // the busy account, movements of the year of the checks
+};
+
+// Rows of the journal in batches of one INSERT each, a transaction every hundred batches.
+Attesi Carica(Connessione& cn, long righe, long righeConto, const Data& dataVerifica) {
+  constexpr int kColonne = 13, kLotto = 500;
+  std::string tupla = "(";
+  for (int c = 0; c < kColonne; ++c) tupla += c ? ", ?" : "?";
+  tupla += ")";
+  std::string testa =
+      "INSERT INTO [Prima Nota] ([DataRegistrazione], [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], "
+      "[DareAvere], [ContoPrimaNota], [IndClienteFornitore], [CodClienteFornitore], [DataCompetenza], "
+      "[CodiceCausale], [DescrizioneSupplem], [ImportoMovimento], [Stringa10indicatori]) VALUES ";
+  std::string lottoPieno = testa;
+  for (int i = 0; i < kLotto; ++i) lottoPieno += (i ? ", " : "") + tupla;
+
+  std::mt19937 rnd(7);
+  const Data inizio = *Data::Crea(2020, 1, 1);
+  const int anno = dataVerifica.Anno();
+  // Every tenth row (as many as asked) on the busy account, the others on 200 quiet ones.
+  const long passo = std::max(1L, righe / std::max(1L, righeConto));
+  Attesi a;
+  Parametri p;
+  p.reserve(kColonne * kLotto);
+  long scritte = 0, nelLotto = 0;
+  auto svuota = [&] {
+    if (nelLotto == 0) return;
+    std::string sql = lottoPieno;
+    if (nelLotto < kLotto) {
+      sql = testa;
+      for (long i = 0; i < nelLotto; ++i) sql += (i ? ", " : "") + tupla;
+    }
+    cn.Esegui(sql, p);
+    p.clear();
+    nelLotto = 0;
+  };
+  cn.BeginTrans();
+  for (long i = 0; i < righe; ++i) {
+    long sulConto = i / passo;
+    bool attivo = i % passo == 0 && sulConto < righeConto;
+    std::string conto = attivo ? kContoAttivo : "60010" + Format(Valore(static_cast<long long>(rnd() % 200)), "00");
+    Data d = inizio.AggiungiGiorni(static_cast<int64_t>(rnd() % 2192));
+    bool dare = i % 2 == 0;  // each entry: a debit row and a credit row
+    bool apertura = rnd() % 50 == 0;
+    Importo imp = Importo::DaRaw(static_cast<int64_t>(rnd() % 100000000) * 100);
+    if (d <= dataVerifica) {
+      if (conto == kContoAttivo) a.attivoAData += dare ? imp : -imp;
+      if (conto == kContoQuieto) a.quietoAData += dare ? imp : -imp;
+    }
+    if (conto == kContoAttivo && d.Anno() == anno && !apertura) (dare ? a.darePeriodo : a.averePeriodo) += imp;
+    p.insert(p.end(), {Valore(d), Valore(Format(Valore(static_cast<long long>(i / 2)), "0000000")), Valore(""),
+                       Valore("001"), Valore(dare ? "D" : "A"), Valore(conto), Valore(""), Valore(""), Valore(d),
+                       Valore(apertura ? "099" : "001"), Valore("Riga di prova"), Valore(imp),
+                       Valore(apertura ? "  1       " : "  0       ")});
+    if (++nelLotto == kLotto) svuota();
+    if (++scritte % 100000 == 0) {
+      svuota();
+      cn.CommitTrans();
+      cn.BeginTrans();
+    }
+  }
+  svuota();
+  cn.CommitTrans();
+  return a;
+}
+
+struct Tempi {
+  std::vector<double> t;
+  void Aggiungi(double s) { t.push_back(s); }
+  double Min() const { return t.empty() ? 0 : *std::min_element(t.begin(), t.end()); }
+  double Media() const {
+    double s = 0;
+    for (double x : t) s += x;
+    return t.empty() ? 0 : s / static_cast<double>(t.size());
+  }
+};
+
+void Riga(const char* motore, const char* prova, const Tempi& t, const std::string& nota) {
+  std::printf("%-8s %-44s min %8.3f s  media %8.3f s  %s\n", motore, prova, t.Min(), t.Media(), nota.c_str());
+  std::fflush(stdout);
+}
+
+int Esegui(bool pg, long righe, long righeConto, int ripetizioni) {
+  const char* motore = pg ? "postgres" : "sqlite";
+  AziendaMastrini az(pg);
+  const Data verifica = *Data::Crea(2023, 6, 30);
+  auto t0 = Orologio::now();
+  Attesi attesi = Carica(*az.cn, righe, righeConto, verifica);
+  double carico = Secondi(t0);
+  std::printf("%-8s caricamento di %ld righe (%ld sul conto attivo): %.2f s (%.0f righe/s)\n", motore, righe, righeConto,
+              carico, righe / carico);
+  if (pg) az.cn->Esegui("ANALYZE");
+  std::fflush(stdout);
+
+  clsSaldiContabili saldi;
+  saldi.cn = az.cn;
+  clsProgAzienda prog;
+  prog.cn = az.cn;
+  int errori = 0;
+  auto verifica_ = [&](const char* cosa, Importo avuto, Importo atteso) {
+    if (avuto == atteso) return std::string("esatto");
+    ++errori;
+    return std::string("ERRORE ") + cosa + ": " + avuto.TestoPunto4() + " invece di " + atteso.TestoPunto4();
+  };
+
+  Tempi tAttivo, tQuieto, tPeriodo, tStampa, tGriglia;
+  std::string nAttivo, nQuieto, nPeriodo, nStampa, nGriglia;
+  for (int r = 0; r < ripetizioni; ++r) {
+    auto t = Orologio::now();
+    Importo s = saldi.GetSaldoSottocontoAData(Valore(verifica), Valore(kContoAttivo));
+    tAttivo.Aggiungi(Secondi(t));
+    nAttivo = verifica_("saldo del conto attivo", s, attesi.attivoAData);
+
+    t = Orologio::now();
+    s = saldi.GetSaldoSottocontoAData(Valore(verifica), Valore(kContoQuieto));
+    tQuieto.Aggiungi(Secondi(t));
+    nQuieto = verifica_("saldo del conto quieto", s, attesi.quietoAData);
+
+    t = Orologio::now();
+    Importo i, d, a;
+    saldi.GetSaldiPeriodoSottoconto(Valore("01/01/2023"), Valore("31/12/2023"), Valore(kContoAttivo), i, d, a);
+    tPeriodo.Aggiungi(Secondi(t));
+    nPeriodo = verifica_("dare del periodo", d, attesi.darePeriodo);
+    if (nPeriodo == "esatto") nPeriodo = verifica_("avere del periodo", a, attesi.averePeriodo);
+
+    clsStampaMastrini stampa;
+    stampa.cn = az.cn;
+    ArgomentiStampaMastrini arg;
+    arg.objSaldiContabili = &saldi;
+    arg.objProgAzienda = &prog;
+    arg.RagioneSocialeAzienda = "Prova prestazioni";
+    arg.nomeFile = CartellaTemp() + "/mastrini.txt";
+    arg.avar_StampaSaldo = true;
+    t = Orologio::now();
+    long schede = stampa.StampaListaMastrini(arg, {VoceMastrino{kContoAttivo, "", ""}});
+    tStampa.Aggiungi(Secondi(t));
+    nStampa = std::to_string(schede) + " scheda, " +
+              std::to_string(std::filesystem::file_size(arg.nomeFile) / 1024) + " kB";
+
+    clsVisualizzaMastrini video;
+    video.cn = az.cn;
+    FormConta form;
+    t = Orologio::now();
+    video.VisualizzaMastrini(form, saldi, prog, Valore("01/01/2021"), Valore(""), Valore(kContoAttivo), Valore(""),
+                             Valore(""), false);
+    tGriglia.Aggiungi(Secondi(t));
+    nGriglia = std::to_string(form.g.n) + " righe nella griglia";
+  }
+  Riga(motore, "saldo a una data, conto attivo", tAttivo, nAttivo);
+  Riga(motore, "saldo a una data, conto quieto", tQuieto, nQuieto);
+  Riga(motore, "saldi di un anno, conto attivo", tPeriodo, nPeriodo);
+  Riga(motore, "stampa del mastrino del conto attivo", tStampa, nStampa);
+  Riga(motore, "mastrino del conto attivo in griglia (dal 2021)", tGriglia, nGriglia);
+  return errori ? 1 : 0;
+}
+
+}  // namespace
+
+int BenchMastrini(int argc, char** argv) {
+  long righe = 1000000, righeConto = 100000;
+  int ripetizioni = 3;
+  std::string motore = "entrambi";
+  for (int i = 1; i < argc; ++i) {
+    std::string a = argv[i];
+    auto valore = [&]() -> std::string {
+      if (i + 1 >= argc) {
+        std::fprintf(stderr, "manca il valore di %s\n", a.c_str());
+        std::exit(2);
+      }
+      return argv[++i];
+    };
+    if (a == "--righe") righe = std::atol(valore().c_str());
+    else if (a == "--righe-conto") righeConto = std::atol(valore().c_str());
+    else if (a == "--motore") motore = valore();
+    else if (a == "--ripetizioni") ripetizioni = std::max(1, std::atoi(valore().c_str()));
+    else {
+      std::fprintf(stderr,
+                   "uso: %s [--righe N] [--righe-conto M] [--motore sqlite|postgres|entrambi] [--ripetizioni R]\n"
+                   "  --righe N          righe di prima nota (predefinito 1000000)\n"
+                   "  --righe-conto M    di cui sul conto attivo (predefinito 100000)\n",
+                   argc > 0 ? argv[0] : "mastrini");
+      return 2;
+    }
+  }
+  if (righe < 1 || righeConto < 0 || righeConto > righe) {
+    std::fprintf(stderr, "righe non valide\n");
+    return 2;
+  }
+  int rc = 0;
+  try {
+    if (motore == "sqlite" || motore == "entrambi") rc |= Esegui(false, righe, righeConto, ripetizioni);
+    if (motore == "postgres" || motore == "entrambi") {
+      if (Ambiente("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
+      else rc |= Esegui(true, righe, righeConto, ripetizioni);
+    }
+  } catch (const ErroreDb& e) {
+    std::fprintf(stderr, "errore del database %ld: %s\n", e.Numero(), e.Descrizione().c_str());
+    return 1;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "errore: %s\n", e.what());
+    return 1;
+  }
+  return rc;
+}
