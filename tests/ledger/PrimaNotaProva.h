@@ -8,7 +8,7 @@
 #include "frame/Comuni.h"
 #include "frame/Db.h"
 
-namespace vorn::test {
+namespace vorn::test::mastrini {
 
 // One journal row with its main columns. Dates are "dd/mm/yyyy"; an empty date is stored Null.
 struct RigaPN {
@@ -129,4 +129,4 @@ inline std::vector<std::string> FotografiaPrimaNota(Connessione& cn) {
 
 inline Importo Imp(const char* testo) { return *Importo::DaTestoPunto(testo); }
 
-}  // namespace vorn::test
+}  // namespace vorn::test::mastrini

@@ -17,6 +17,7 @@
 
 using namespace vorn;
 using namespace vorn::test;
+using namespace vorn::test::mastrini;
 
 namespace {
 

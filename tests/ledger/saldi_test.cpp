@@ -11,10 +11,11 @@
 
 using namespace vorn;
 using namespace vorn::test;
+using namespace vorn::test::mastrini;
 
 namespace {
 
-class Saldi : public AziendaTest {
+class SaldiContabili : public AziendaTest {
  protected:
   void SetUp() override {
     AziendaTest::SetUp();
@@ -64,7 +65,7 @@ std::string T(Importo i) { return i.TestoPunto4(); }
 
 const PartnerModello kPartner[] = {{"C", "000001", 0}, {"C", "000002", 0}, {"F", "O'BRIEN", 1}};
 
-TEST_P(Saldi, RandomJournalAgreesWithAPlainSumAtEveryDateAndPeriod) {
+TEST_P(SaldiContabili, RandomJournalAgreesWithAPlainSumAtEveryDateAndPeriod) {
   std::mt19937 rnd(20250131);
   auto tra = [&](int a, int b) { return std::uniform_int_distribution<int>(a, b)(rnd); };
   const Data inizio = *Data::Crea(2024, 1, 1);
@@ -189,7 +190,7 @@ TEST_P(Saldi, RandomJournalAgreesWithAPlainSumAtEveryDateAndPeriod) {
 
 // ---------------------------------------------------------------- periods
 
-TEST_P(Saldi, EmptyPeriodGivesZerosAndTrue) {
+TEST_P(SaldiContabili, EmptyPeriodGivesZerosAndTrue) {
   Scrivi(Riga("1501001", "15/03/2025", "D", "10"));
   Importo i = Imp("1"), d = Imp("1"), a = Imp("1");
   EXPECT_TRUE(saldi.GetSaldiPeriodoSottoconto(Valore("01/04/2025"), Valore("30/04/2025"), Valore("1501001"), i, d, a));
@@ -202,7 +203,7 @@ TEST_P(Saldi, EmptyPeriodGivesZerosAndTrue) {
   EXPECT_TRUE(d.Zero());
 }
 
-TEST_P(Saldi, OpeningRowsAreTheOpeningOfThePeriodButPlainMovementsAtADate) {
+TEST_P(SaldiContabili, OpeningRowsAreTheOpeningOfThePeriodButPlainMovementsAtADate) {
   Scrivi(Riga("1501001", "01/01/2025", "D", "100", "1"));
   Scrivi(Riga("1501001", "01/01/2025", "A", "30", "1"));
   Scrivi(Riga("1501001", "02/01/2025", "D", "7", " "));  // a blank operativity is a movement
@@ -217,7 +218,7 @@ TEST_P(Saldi, OpeningRowsAreTheOpeningOfThePeriodButPlainMovementsAtADate) {
   EXPECT_EQ(saldi.GetSaldoSottocontoAData(Valore("01/01/2025"), Valore("1501001")), Imp("70"));
 }
 
-TEST_P(Saldi, DatesOfTheWrongCenturyAreBroughtBack) {
+TEST_P(SaldiContabili, DatesOfTheWrongCenturyAreBroughtBack) {
   Scrivi(Riga("1501001", "10/06/2024", "D", "40"));
   Scrivi(Riga("1501001", "10/06/2025", "D", "1"));
   EXPECT_EQ(saldi.GetSaldoSottocontoAData(Valore("31/12/2124"), Valore("1501001")), Imp("40"));
@@ -228,7 +229,7 @@ TEST_P(Saldi, DatesOfTheWrongCenturyAreBroughtBack) {
 
 // ---------------------------------------------------------------- the journal's dates
 
-TEST_P(Saldi, ExtremeDatesOfAnEmptyJournalAreEmpty) {
+TEST_P(SaldiContabili, ExtremeDatesOfAnEmptyJournalAreEmpty) {
   EXPECT_EQ(saldi.GetDataMassimaCompetenzaPrimaNota(), Valore(""));
   EXPECT_EQ(saldi.GetDataMinimaCompetenzaPrimaNota(), Valore(""));
   EXPECT_EQ(saldi.GetSaldoSottocontoAData(Valore(""), Valore("1501001")), Importo());
@@ -242,10 +243,10 @@ TEST_P(Saldi, ExtremeDatesOfAnEmptyJournalAreEmpty) {
 
 // ---------------------------------------------------------------- the last unload
 
-class SaldiScarico : public Saldi {
+class SaldiContabiliScarico : public SaldiContabili {
  protected:
   void SetUp() override {
-    Saldi::SetUp();
+    SaldiContabili::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
     ImpostaUltimoScarico(*cn, "31/12/2012");
     InserisciSaldoConto(*cn, "1501001", Imp("1000"), Imp("300"), Imp("120.5"));
@@ -261,7 +262,7 @@ class SaldiScarico : public Saldi {
   Valore U() { return prog.GetDataUltimoScaricoPrimaNota(); }
 };
 
-TEST_P(SaldiScarico, ProgressivesOfTheUnload) {
+TEST_P(SaldiContabiliScarico, ProgressivesOfTheUnload) {
   EXPECT_EQ(U(), Valore(*Data::Crea(2012, 12, 31)));
   Importo i, d, a;
   EXPECT_TRUE(saldi.GetProgressiviUltimoScaricoSottoconto(Valore("1501001"), i, d, a));
@@ -280,7 +281,7 @@ TEST_P(SaldiScarico, ProgressivesOfTheUnload) {
   EXPECT_TRUE(i.Zero() && d.Zero() && a.Zero());
 }
 
-TEST_P(SaldiScarico, BlankStartJoinsTheUnloadAndTellsTheCaller) {
+TEST_P(SaldiContabiliScarico, BlankStartJoinsTheUnloadAndTellsTheCaller) {
   Valore da("");
   Importo ip, dp, ap, iper, dper, aper;
   Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("28/02/2013"), Valore("1501001"), ip, dp, ap, iper,
@@ -300,7 +301,7 @@ TEST_P(SaldiScarico, BlankStartJoinsTheUnloadAndTellsTheCaller) {
   EXPECT_EQ(giornoDopo, Valore("01/01/2013"));
 }
 
-TEST_P(SaldiScarico, AStartThatIsNotTheDayAfterTheUnloadHasNoProgressives) {
+TEST_P(SaldiContabiliScarico, AStartThatIsNotTheDayAfterTheUnloadHasNoProgressives) {
   Valore da("01/03/2013");
   Importo ip = Imp("9"), dp = Imp("9"), ap = Imp("9"), iper, dper, aper;
   Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("31/03/2013"), Valore("1501001"), ip, dp, ap, iper,
@@ -311,7 +312,7 @@ TEST_P(SaldiScarico, AStartThatIsNotTheDayAfterTheUnloadHasNoProgressives) {
   EXPECT_EQ(da, Valore("01/03/2013"));
 }
 
-TEST_P(SaldiScarico, PeriodEndingBeforeItStartsKeepsTheProgressivesOnly) {
+TEST_P(SaldiContabiliScarico, PeriodEndingBeforeItStartsKeepsTheProgressivesOnly) {
   Valore da("01/01/2013");
   Importo ip, dp, ap, iper = Imp("9"), dper = Imp("9"), aper = Imp("9");
   Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("31/12/2012"), Valore("1501001"), ip, dp, ap, iper,
@@ -321,7 +322,7 @@ TEST_P(SaldiScarico, PeriodEndingBeforeItStartsKeepsTheProgressivesOnly) {
   EXPECT_EQ(totale, Imp("1179.5"));
 }
 
-TEST_P(SaldiScarico, PartnerBalanceReadsOnlyItsRowsAndItsProgressives) {
+TEST_P(SaldiContabiliScarico, PartnerBalanceReadsOnlyItsRowsAndItsProgressives) {
   EXPECT_EQ(saldi.GetSaldoSottocontoCliForAData(Valore("31/12/2013"), Valore("1501001"), Valore("C"), Valore("000123")),
             Imp("57"));
   EXPECT_EQ(saldi.GetSaldoSottocontoAData(Valore("31/12/2013"), Valore("1501001")), Imp("1288.5"));
@@ -333,7 +334,7 @@ TEST_P(SaldiScarico, PartnerBalanceReadsOnlyItsRowsAndItsProgressives) {
   EXPECT_EQ(dper, Imp("3"));
 }
 
-TEST_P(Saldi, WithoutAnUnloadTheStartStaysBlankAndTheWholeJournalCounts) {
+TEST_P(SaldiContabili, WithoutAnUnloadTheStartStaysBlankAndTheWholeJournalCounts) {
   Scrivi(Riga("1501001", "15/01/2013", "D", "10"));
   InserisciSaldoConto(*cn, "1501001", Imp("1000"), Imp("0"), Imp("0"));
   Valore da("");
@@ -344,7 +345,7 @@ TEST_P(Saldi, WithoutAnUnloadTheStartStaysBlankAndTheWholeJournalCounts) {
   EXPECT_TRUE(ip.Zero());
 }
 
-VORN_SU_DUE_MOTORI(Saldi);
-VORN_SU_DUE_MOTORI(SaldiScarico);
+VORN_SU_DUE_MOTORI(SaldiContabili);
+VORN_SU_DUE_MOTORI(SaldiContabiliScarico);
 
 }  // namespace
