@@ -148,39 +148,39 @@ class ConnessionePostgres final : public Connessione {
     return out;
   }
 
+  // Rows are fetched in batches from a server-side cursor, so that the callback may run
+  // other statements on this same connection while the scan goes on. WITH HOLD lets the
+  // cursor live outside a transaction block too.
   void Scorri(std::string_view sql, const Parametri& p,
               const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
     Assicura();
-    std::string s = Traduci(sql);
-    Testi t(p);
-    if (!PQsendQueryParams(c_, s.c_str(), t.n(), nullptr, t.valori(), nullptr, nullptr, 0)) ErroreConnessione();
-    PQsetSingleRowMode(c_);
-    std::vector<Colonna> cols;
-    bool continua = true;
-    std::string errore;
-    const char* stato = nullptr;
-    std::string statoS;
-    while (PGresult* r = PQgetResult(c_)) {
-      Risultato g(r);
-      auto st = PQresultStatus(r);
-      if (st == PGRES_SINGLE_TUPLE && continua) {
-        if (cols.empty()) cols = Colonne(r);
-        std::vector<Valore> row(cols.size());
-        for (int i = 0; i < static_cast<int>(cols.size()); ++i)
-          row[i] = PQgetisnull(r, 0, i) ? Valore::Null() : Converti(PQgetvalue(r, 0, i), PQgetlength(r, 0, i), cols[i].tipo);
-        try {
-          continua = riga(cols, row);
-        } catch (...) {
-          while (PGresult* rest = PQgetResult(c_)) PQclear(rest);
-          throw;
-        }
-      } else if (st == PGRES_FATAL_ERROR) {
-        errore = PQresultErrorMessage(r);
-        stato = PQresultErrorField(r, PG_DIAG_SQLSTATE);
-        if (stato) statoS = stato;
-      }
+    std::string cursore = "vorn_cursore_" + std::to_string(++contatore_);
+    {
+      std::string s = "DECLARE " + cursore + " NO SCROLL CURSOR WITH HOLD FOR " + Traduci(sql);
+      Testi t(p);
+      Risultato r(PQexecParams(c_, s.c_str(), t.n(), nullptr, t.valori(), nullptr, nullptr, 0));
+      Verifica(r.r);
     }
-    if (!errore.empty()) throw ErroreDb(NumeroDaSqlState(statoS.c_str()), Pulisci(errore), statoS);
+    struct Chiusura {
+      ConnessionePostgres* self;
+      std::string nome;
+      ~Chiusura() {
+        if (!self->c_) return;
+        Risultato r(PQexec(self->c_, ("CLOSE " + nome).c_str()));
+      }
+    } chiusura{this, cursore};
+    std::string fetch = "FETCH 2000 FROM " + cursore;
+    for (;;) {
+      Esito e;
+      {
+        Risultato r(PQexec(c_, fetch.c_str()));
+        Verifica(r.r);
+        Raccogli(r.r, e, true);
+      }
+      if (e.dati.rows.empty()) break;
+      for (const auto& row : e.dati.rows)
+        if (!riga(e.dati.cols, row)) return;
+    }
   }
 
  protected:

@@ -163,3 +163,42 @@ TEST_P(DataLayerGenerated, AddedRowReadsBackItsGeneratedKey) {
   EXPECT_EQ(cn->Scalare("SELECT [Testo] FROM [Righe]").Str(), "uno bis");
 }
 VORN_SU_DUE_MOTORI(DataLayerGenerated);
+
+class DataLayerScan : public DbTest {};
+TEST_P(DataLayerScan, StatementsInsideAScanDoNotCutIt) {
+  cn->Esegui("CREATE TABLE [Righe] ([N] INTEGER, [Importo] NUMERIC(19,4))");
+  cn->Esegui("CREATE TABLE [Copia] ([N] INTEGER)");
+  std::string sql = "INSERT INTO [Righe] VALUES (?, ?)";
+  for (int i = 1; i < 5000; ++i) sql += ", (?, ?)";
+  Parametri p;
+  for (int i = 1; i <= 5000; ++i) {
+    p.push_back(i);
+    p.push_back(Importo::DaRaw(i * 125));
+  }
+  cn->Esegui(sql, p);
+  int64_t letti = 0;
+  Importo somma;
+  cn->Scorri("SELECT [N], [Importo] FROM [Righe] WHERE [N] > ? ORDER BY [N]", {0},
+             [&](const std::vector<Colonna>& cols, const std::vector<Valore>& r) {
+               EXPECT_EQ(cols[1].tipo, TipoCampo::Importo);
+               ++letti;
+               somma += r[1].Imp();
+               // A lookup and a write on the same connection in the middle of the scan.
+               EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Righe] WHERE [N] = ?", {r[0]}).Int(), 1);
+               if (r[0].Int() % 1000 == 0) cn->Esegui("INSERT INTO [Copia] VALUES (?)", {r[0]});
+               return true;
+             });
+  EXPECT_EQ(letti, 5000);
+  EXPECT_EQ(somma.Raw(), 125LL * 5000 * 5001 / 2);
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Copia]").Int(), 5);
+  // Stopping early leaves the connection usable, inside a transaction too.
+  cn->BeginTrans();
+  int visti = 0;
+  cn->Scorri("SELECT [N] FROM [Righe]", {}, [&](const std::vector<Colonna>&, const std::vector<Valore>&) {
+    return ++visti < 3;
+  });
+  EXPECT_EQ(visti, 3);
+  cn->CommitTrans();
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Righe]").Int(), 5000);
+}
+VORN_SU_DUE_MOTORI(DataLayerScan);
