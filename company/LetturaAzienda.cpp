@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "frame/Comuni.h"
 #include "frame/VornServer.h"
 
 namespace vorn::azienda {
@@ -42,14 +43,9 @@ Recordset ApriRigaUnica(Connessione& cn, const std::string& tabella) {
 
 bool SalvaRigaUnica(Connessione& cn, const std::string& tabella, const std::vector<std::string>& colonne,
                     const std::map<std::string, Valore>& valori, const Valore& clientID, long hWnd, bool& Cancel) {
-  std::vector<std::pair<std::string, Valore>> daScrivere;
-  for (const auto& [nome, valore] : valori) {
-    const std::string* trovata = nullptr;
-    for (const auto& c : colonne)
-      if (UgualeNoCase(c, nome)) trovata = &c;
-    if (!trovata) throw ErroreDb(0, "Colonna non prevista nel salvataggio di " + tabella + ": " + nome);
-    daScrivere.emplace_back(*trovata, valore);
-  }
+  auto daScrivere = ColonneDaScrivere(valori, colonne, [&](const std::string& nome) {
+    return "Colonna non prevista nel salvataggio di " + tabella + ": " + nome;
+  });
   return SalvaRecordProtocollo(cn, tabella, {}, {}, clientID, hWnd, Cancel, [&](Recordset& rs, bool) {
     for (const auto& [nome, valore] : daScrivere) rs(nome) = valore;
   });

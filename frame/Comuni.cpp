@@ -538,4 +538,19 @@ std::string FormattaConto(const Valore& codice) {
   }
 }
 
+// ---------------------------------------------------------------- saves of named values
+
+ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std::string>& colonne,
+                                const std::function<std::string(const std::string& nome)>& rifiuto, long numero) {
+  ColonneValori r;
+  for (const auto& [nome, valore] : campi) {
+    const std::string* colonna = nullptr;
+    for (const auto& c : colonne)
+      if (UgualeNoCase(c, nome)) colonna = &c;
+    if (!colonna) throw ErroreDb(numero, rifiuto(nome));
+    r.emplace_back(*colonna, valore);
+  }
+  return r;
+}
+
 }  // namespace vorn

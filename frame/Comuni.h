@@ -1,15 +1,19 @@
 // The helpers through which the rest of the system reads values, builds SQL fragments and
 // writes report text: null-safe conversions, field reading and formatting, amounts, text
-// padding, SQL filters and literals, dates and account codes.
+// padding, SQL filters and literals, dates and account codes; and the column check that the
+// record classes share for a save by named values.
 //
 // Texts are UTF-8: every width, pad and cut counts characters, not bytes. Trimming removes
 // leading and trailing blanks. Numbers are shown in the company's Italian locale (comma as
 // decimal mark, point between thousands) through Format of frame/Formato.h.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "frame/Data.h"
 #include "frame/Db.h"
@@ -200,5 +204,15 @@ int LivelloConto(const Valore& codice);
 std::string ContoSetteCifre(const Valore& codice);
 // Nine characters, left-aligned: "", "12", "12.34", "12.34.567".
 std::string FormattaConto(const Valore& codice);
+
+// ---------------------------------------------------------------- saves of named values
+
+// The values of a record paired with the columns a save writes: each name is matched among
+// `colonne` without regard to case and takes the column's own spelling, in the order of the
+// record. A name that is none of the columns is refused with ErroreDb(numero, rifiuto(nome)),
+// so that a save checks the whole record before it reads or writes anything.
+using ColonneValori = std::vector<std::pair<std::string, Valore>>;
+ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std::string>& colonne,
+                                const std::function<std::string(const std::string& nome)>& rifiuto, long numero = 0);
 
 }  // namespace vorn

@@ -26,20 +26,6 @@ FiltroCodice Filtro(const Valore& codice) {
   return {std::string(kCodice) + " = ?", {Valore(c)}};
 }
 
-// The names of `campi` resolved to the columns of `colonne` (without regard to case); a name
-// that is not there is refused before anything is read or written.
-std::vector<std::pair<std::string, Valore>> Risolvi(const RecordValori& campi, const std::vector<std::string>& colonne) {
-  std::vector<std::pair<std::string, Valore>> r;
-  for (const auto& [nome, valore] : campi) {
-    const std::string* colonna = nullptr;
-    for (const auto& c : colonne)
-      if (UgualeNoCase(c, nome)) colonna = &c;
-    if (!colonna) throw ErroreDb(0, "Causali Contabili: colonna sconosciuta \"" + nome + "\"");
-    r.emplace_back(*colonna, valore);
-  }
-  return r;
-}
-
 std::string Numerata(const char* radice, int i) { return radice + std::to_string(i); }
 
 // Every occurrence of `vecchio`, left to right, replaced by `nuovo`.
@@ -155,7 +141,9 @@ bool clsCausaliContabili::LocalizzaRecord(Recordset& T, const Valore& codiceCaus
 
 bool clsCausaliContabili::SalvaRecord(const Valore& codiceCausale, const RecordValori& campi, const Valore& clientID,
                                       long hWnd, bool& Cancel, bool NoPrompt) {
-  auto valori = Risolvi(campi, ColonneSalvaRecord());
+  auto valori = ColonneDaScrivere(campi, ColonneSalvaRecord(), [](const std::string& nome) {
+    return "Causali Contabili: colonna sconosciuta \"" + nome + "\"";
+  });
   std::string codice = codiceCausale.TestoTrim();
   auto f = Filtro(Valore(codice));
   return SalvaRecordProtocollo(

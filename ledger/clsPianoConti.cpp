@@ -172,15 +172,9 @@ bool clsPianoConti::SalvaRecord(const Valore& Gruppo, const Valore& Conto, const
                                 bool NoPrompt) {
   Cancel = false;
   // Every name is checked before the row is read, so that a wrong one writes nothing.
-  std::vector<std::pair<std::string, Valore>> daScrivere;
-  for (const auto& colonna : ColonneSalvaRecord())
-    for (const auto& [nome, valore] : campi)
-      if (UgualeNoCase(nome, colonna)) daScrivere.emplace_back(colonna, valore);
-  for (const auto& [nome, valore] : campi) {
-    bool nota = false;
-    for (const auto& colonna : ColonneSalvaRecord()) nota = nota || UgualeNoCase(nome, colonna);
-    if (!nota) throw ErroreDb(0, "Colonna non prevista nel salvataggio del piano dei conti: " + nome);
-  }
+  auto daScrivere = ColonneDaScrivere(campi, ColonneSalvaRecord(), [](const std::string& nome) {
+    return "Colonna non prevista nel salvataggio del piano dei conti: " + nome;
+  });
   Filtro f = FiltroChiave(kChiavePiano, Gruppo, Conto, sottoconto);
   return SalvaRecordProtocollo(
       *cn, kPiano, f.where, f.p, clientID, hWnd, Cancel,

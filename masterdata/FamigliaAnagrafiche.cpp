@@ -28,13 +28,6 @@ std::string CondizioneBianca(const std::string& col, TipoChiave tipo) {
   return "(" + col + " = '' OR " + col + " IS NULL)";
 }
 
-// The column's own spelling among `colonne`, or empty text.
-std::string NomeColonna(const std::vector<std::string>& colonne, const std::string& nome) {
-  for (const auto& c : colonne)
-    if (UgualeNoCase(c, nome)) return c;
-  return {};
-}
-
 }  // namespace
 
 Connessione& Conn(const std::shared_ptr<Connessione>& cn) {
@@ -82,12 +75,12 @@ bool Salva(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& k, con
   Cancel = false;
   if (k.size() != d.chiavi.size()) throw ErroreDb(3001, "Chiave incompleta per " + d.tabella);
   // Every name is checked before the row is read: a wrong name writes nothing.
-  std::vector<std::pair<std::string, Valore>> campi;
-  for (const auto& [nome, valore] : valori) {
-    std::string c = NomeColonna(colonne, nome);
-    if (c.empty()) throw ErroreDb(3265, "La colonna " + nome + " non è tra quelle che questo salvataggio di " + d.tabella + " scrive.");
-    campi.emplace_back(c, valore);
-  }
+  auto campi = ColonneDaScrivere(
+      valori, colonne,
+      [&](const std::string& nome) {
+        return "La colonna " + nome + " non è tra quelle che questo salvataggio di " + d.tabella + " scrive.";
+      },
+      3265);
   Chiavi chiavi;
   for (size_t i = 0; i < k.size(); ++i) chiavi.push_back(ValoreChiave(d.chiavi[i], k[i]));
   Parametri p;

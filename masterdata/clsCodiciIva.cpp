@@ -114,14 +114,9 @@ bool clsCodiciIva::LocalizzaRecord(Recordset& T, const Valore& CodiceIva, const 
 bool clsCodiciIva::SalvaRecord(const Valore& CodiceIva, const RecordValori& campi, const Valore& clientID, long hWnd,
                                bool& Cancel, bool NoPrompt) {
   // Every name is checked before the row is touched, so that a bad record writes nothing.
-  std::vector<std::pair<std::string, Valore>> valori;
-  for (const auto& [nome, valore] : campi) {
-    const std::string* colonna = nullptr;
-    for (const auto& c : ColonneSalvaRecord())
-      if (UgualeNoCase(c, nome)) colonna = &c;
-    if (!colonna) throw ErroreDb(0, "Codici Iva: colonna sconosciuta \"" + nome + "\"");
-    valori.emplace_back(*colonna, valore);
-  }
+  auto valori = ColonneDaScrivere(campi, ColonneSalvaRecord(), [](const std::string& nome) {
+    return "Codici Iva: colonna sconosciuta \"" + nome + "\"";
+  });
   std::string codice = CodiceIva.TestoTrim();
   auto f = Filtro(Valore(codice));
   return SalvaRecordProtocollo(
