@@ -553,4 +553,29 @@ ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std
   return r;
 }
 
+// ---------------------------------------------------------------- tables keyed by one text code
+
+FiltroCodice FiltraCodice(const std::string& colonna, const Valore& codice) {
+  std::string c = codice.TestoTrim();
+  if (c.empty()) return {"COALESCE(" + colonna + ", '') = ''", {}};
+  return {colonna + " = ?", {Valore(c)}};
+}
+
+bool PassoCodice(Connessione& cn, const std::string& tabella, const std::string& colonna, Valore& codice,
+                 bool avanti) {
+  const std::string col = "[" + colonna + "]";
+  const std::string da = "SELECT " + col + " FROM [" + tabella + "] ";
+  std::string c = codice.TestoTrim();
+  Valore trovato;
+  if (c.empty())
+    trovato = cn.Scalare(da + "ORDER BY " + col + (avanti ? " DESC" : "") + " LIMIT 1;");
+  else
+    trovato = cn.Scalare(da + "WHERE " + col + (avanti ? " > ?" : " < ?") + " ORDER BY " + col +
+                             (avanti ? "" : " DESC") + " LIMIT 1;",
+                         {Valore(c)});
+  if (trovato.IsNull() || trovato.IsEmpty()) return false;
+  codice = Valore(trovato.TestoTrim());
+  return true;
+}
+
 }  // namespace vorn

@@ -1,7 +1,8 @@
 // The helpers through which the rest of the system reads values, builds SQL fragments and
 // writes report text: null-safe conversions, field reading and formatting, amounts, text
-// padding, SQL filters and literals, dates and account codes; and the column check that the
-// record classes share for a save by named values.
+// padding, SQL filters and literals, dates and account codes; and what the record classes
+// share: the column check of a save by named values, the key filter and the stepping of a
+// table keyed by one text code.
 //
 // Texts are UTF-8: every width, pad and cut counts characters, not bytes. Trimming removes
 // leading and trailing blanks. Numbers are shown in the company's Italian locale (comma as
@@ -214,5 +215,23 @@ std::string FormattaConto(const Valore& codice);
 using ColonneValori = std::vector<std::pair<std::string, Valore>>;
 ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std::string>& colonne,
                                 const std::function<std::string(const std::string& nome)>& rifiuto, long numero = 0);
+
+// ---------------------------------------------------------------- tables keyed by one text code
+
+// The condition on the key of a table keyed by one text code, `colonna` being the key's full
+// expression ("[Codici Iva].[Codice Iva]"): a blank code finds empty text and Null alike, any
+// other code its trimmed text, bound as a parameter.
+struct FiltroCodice {
+  std::string where;
+  Parametri p;
+};
+FiltroCodice FiltraCodice(const std::string& colonna, const Valore& codice);
+
+// One step through the codes of `tabella` (key column `colonna`, bare name) by text order: the
+// next code after `codice` (from a blank code: the last one), or the previous one (from a
+// blank code: the first one). False, and `codice` untouched, when there is none; otherwise
+// `codice` takes the trimmed code found.
+bool PassoCodice(Connessione& cn, const std::string& tabella, const std::string& colonna, Valore& codice,
+                 bool avanti);
 
 }  // namespace vorn

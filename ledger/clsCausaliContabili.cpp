@@ -15,16 +15,7 @@ constexpr auto P = SegnoTipoCausale::Positivo;
 constexpr auto N = SegnoTipoCausale::Negativo;
 constexpr auto R = SegnoTipoCausale::SecondoRegistro;
 
-// The key filter: a blank code finds empty text and Null alike, any other code its trimmed text.
-struct FiltroCodice {
-  std::string where;
-  Parametri p;
-};
-FiltroCodice Filtro(const Valore& codice) {
-  std::string c = codice.TestoTrim();
-  if (c.empty()) return {std::string("COALESCE(") + kCodice + ", '') = ''", {}};
-  return {std::string(kCodice) + " = ?", {Valore(c)}};
-}
+FiltroCodice Filtro(const Valore& codice) { return FiltraCodice(kCodice, codice); }
 
 std::string Numerata(const char* radice, int i) { return radice + std::to_string(i); }
 
@@ -179,27 +170,11 @@ bool clsCausaliContabili::CancellaRecord(const Valore& codiceCausale) {
 }
 
 bool clsCausaliContabili::RecordSuccessivo(Valore& codiceCausale) {
-  std::string c = codiceCausale.TestoTrim();
-  Valore trovato =
-      c.empty() ? cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili] ORDER BY [CodiceCausale] DESC LIMIT 1;")
-                : cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili] WHERE [CodiceCausale] > ? "
-                              "ORDER BY [CodiceCausale] LIMIT 1;",
-                              {Valore(c)});
-  if (trovato.IsNull() || trovato.IsEmpty()) return false;
-  codiceCausale = Valore(trovato.TestoTrim());
-  return true;
+  return PassoCodice(*cn, kTabella, "CodiceCausale", codiceCausale, true);
 }
 
 bool clsCausaliContabili::RecordPrecedente(Valore& codiceCausale) {
-  std::string c = codiceCausale.TestoTrim();
-  Valore trovato =
-      c.empty() ? cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili] ORDER BY [CodiceCausale] LIMIT 1;")
-                : cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili] WHERE [CodiceCausale] < ? "
-                              "ORDER BY [CodiceCausale] DESC LIMIT 1;",
-                              {Valore(c)});
-  if (trovato.IsNull() || trovato.IsEmpty()) return false;
-  codiceCausale = Valore(trovato.TestoTrim());
-  return true;
+  return PassoCodice(*cn, kTabella, "CodiceCausale", codiceCausale, false);
 }
 
 bool clsCausaliContabili::AzzeraCausaliContabili() {

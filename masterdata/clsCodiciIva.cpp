@@ -15,16 +15,7 @@ namespace {
 constexpr const char* kTabella = "Codici Iva";
 constexpr const char* kCodice = "[Codici Iva].[Codice Iva]";
 
-// The key filter: a blank code finds empty text and Null alike, any other code its trimmed text.
-struct FiltroCodice {
-  std::string where;
-  Parametri p;
-};
-FiltroCodice Filtro(const Valore& codice) {
-  std::string c = codice.TestoTrim();
-  if (c.empty()) return {std::string("COALESCE(") + kCodice + ", '') = ''", {}};
-  return {std::string(kCodice) + " = ?", {Valore(c)}};
-}
+FiltroCodice Filtro(const Valore& codice) { return FiltraCodice(kCodice, codice); }
 
 // A column of a read row with its default, as every getter reads it.
 Valore Leggi(Recordset& rs, const char* colonna, const Valore& predefinito) {
@@ -135,27 +126,11 @@ bool clsCodiciIva::CancellaRecord(const Valore& CodiceIva) {
 }
 
 bool clsCodiciIva::RecordSuccessivo(Valore& CodiceIva) {
-  std::string c = CodiceIva.TestoTrim();
-  Valore trovato = c.empty()
-                       ? cn->Scalare("SELECT [Codice Iva] FROM [Codici Iva] ORDER BY [Codice Iva] DESC LIMIT 1;")
-                       : cn->Scalare("SELECT [Codice Iva] FROM [Codici Iva] WHERE [Codice Iva] > ? "
-                                     "ORDER BY [Codice Iva] LIMIT 1;",
-                                     {Valore(c)});
-  if (trovato.IsNull() || trovato.IsEmpty()) return false;
-  CodiceIva = Valore(trovato.TestoTrim());
-  return true;
+  return PassoCodice(*cn, kTabella, "Codice Iva", CodiceIva, true);
 }
 
 bool clsCodiciIva::RecordPrecedente(Valore& CodiceIva) {
-  std::string c = CodiceIva.TestoTrim();
-  Valore trovato = c.empty()
-                       ? cn->Scalare("SELECT [Codice Iva] FROM [Codici Iva] ORDER BY [Codice Iva] LIMIT 1;")
-                       : cn->Scalare("SELECT [Codice Iva] FROM [Codici Iva] WHERE [Codice Iva] < ? "
-                                     "ORDER BY [Codice Iva] DESC LIMIT 1;",
-                                     {Valore(c)});
-  if (trovato.IsNull() || trovato.IsEmpty()) return false;
-  CodiceIva = Valore(trovato.TestoTrim());
-  return true;
+  return PassoCodice(*cn, kTabella, "Codice Iva", CodiceIva, false);
 }
 
 bool clsCodiciIva::AzzeraCodiciIva() {
