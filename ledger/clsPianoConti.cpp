@@ -1,5 +1,7 @@
 #include "ledger/clsPianoConti.h"
 
+#include <optional>
+
 #include "frame/Comuni.h"
 
 namespace vorn {
@@ -95,6 +97,45 @@ Parti Dividi(const Valore& codice) {
 std::string Segno(const Importo& i) { return i > Importo() ? "D" : i < Importo() ? "A" : ""; }
 Importo Assoluto(const Importo& i) { return i < Importo() ? -i : i; }
 
+// The rows of the chart that `f` selects, key and description, in code order.
+bool Elenca(Connessione& cn, Recordset& T, const Filtro& f) {
+  T = cn.Execute("SELECT " + kColonneChiave + ", [Piano Dei Conti].[Descrizione] AS [Descrizione] "
+                 "FROM [Piano Dei Conti] WHERE " + f.where + kOrdineChiave + ";", f.p);
+  return !T.Eof();
+}
+
+// True when the chart has a row that `f` selects.
+bool Esiste(Connessione& cn, const Filtro& f) {
+  return !cn.Execute("SELECT 1 FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p).Eof();
+}
+
+// The description of the row that `f` selects; nullopt without the row.
+std::optional<std::string> Descrizione(Connessione& cn, const Filtro& f) {
+  Recordset rs = cn.Execute(
+      "SELECT [Piano Dei Conti].[Descrizione] FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p);
+  if (rs.Eof()) return std::nullopt;
+  return LeggiCampo(rs("Descrizione"), Valore("")).Testo();
+}
+
+// One step through the chart by the seven-digit walking code, forward or backward; from a
+// blank group, the last row forward and the first one backward.
+bool Passo(Connessione& cn, Valore& g, Valore& c, Valore& s, bool avanti) {
+  std::string sql = "SELECT Q.[Gruppo], Q.[Conto], Q.[Sottoconto] FROM " + kPianoConCodice;
+  Parametri p;
+  bool dalFondo = g.TestoTrim().empty();
+  if (!dalFondo) {
+    sql += avanti ? " WHERE Q.SottocontoTmp > ?" : " WHERE Q.SottocontoTmp < ?";
+    p.push_back(Valore(Cifre(g, 2) + Cifre(c, 2) + Cifre(s, 3)));
+  }
+  const std::string verso = dalFondo == avanti ? " DESC" : "";
+  sql += " ORDER BY Q.SottocontoTmp" + verso + ", Q.[Gruppo]" + verso + ", Q.[Conto]" + verso + ", Q.[Sottoconto]" +
+         verso + " LIMIT 1;";
+  Recordset rs = cn.Execute(sql, p);
+  if (rs.Eof()) return false;
+  PrendiChiave(rs, g, c, s);
+  return true;
+}
+
 }  // namespace
 
 const std::vector<std::string>& clsPianoConti::ColonneSalvaRecord() {
@@ -123,26 +164,20 @@ bool clsPianoConti::LocalizzaRamoConto(Recordset& T, const Valore& Gruppo, const
   Filtro f;
   f.Parte(kChiavePiano.gruppo, Gruppo);
   f.Parte(kChiavePiano.conto, Conto);
-  T = cn->Execute("SELECT " + kColonneChiave + ", [Piano Dei Conti].[Descrizione] AS [Descrizione] "
-                  "FROM [Piano Dei Conti] WHERE " + f.where + kOrdineChiave + ";", f.p);
-  return !T.Eof();
+  return Elenca(*cn, T, f);
 }
 
 bool clsPianoConti::LocalizzaRamoGruppo(Recordset& T, const Valore& Gruppo) {
   Filtro f;
   f.Parte(kChiavePiano.gruppo, Gruppo);
   f.Parte(kChiavePiano.sottoconto, Valore(""));
-  T = cn->Execute("SELECT " + kColonneChiave + ", [Piano Dei Conti].[Descrizione] AS [Descrizione] "
-                  "FROM [Piano Dei Conti] WHERE " + f.where + kOrdineChiave + ";", f.p);
-  return !T.Eof();
+  return Elenca(*cn, T, f);
 }
 
 bool clsPianoConti::LocalizzaTuttiGruppi(Recordset& T) {
   Filtro f;
   f.Parte(kChiavePiano.conto, Valore(""));
-  T = cn->Execute("SELECT " + kColonneChiave + ", [Piano Dei Conti].[Descrizione] AS [Descrizione] "
-                  "FROM [Piano Dei Conti] WHERE " + f.where + kOrdineChiave + ";", f.p);
-  return !T.Eof();
+  return Elenca(*cn, T, f);
 }
 
 bool clsPianoConti::LocalizzaTutti(Recordset& T) {
@@ -225,41 +260,17 @@ bool clsPianoConti::CancellaRecordSaldi(const Valore& CodiceGruppo, const Valore
 // ---------------------------------------------------------------- walking
 
 bool clsPianoConti::RecordSuccessivo(Valore& CodiceGruppo, Valore& CodiceConto, Valore& CodiceSottoconto) {
-  std::string sql = "SELECT Q.[Gruppo], Q.[Conto], Q.[Sottoconto] FROM " + kPianoConCodice;
-  Parametri p;
-  if (CodiceGruppo.TestoTrim().empty()) {
-    sql += " ORDER BY Q.SottocontoTmp DESC, Q.[Gruppo] DESC, Q.[Conto] DESC, Q.[Sottoconto] DESC LIMIT 1;";
-  } else {
-    sql += " WHERE Q.SottocontoTmp > ? ORDER BY Q.SottocontoTmp, Q.[Gruppo], Q.[Conto], Q.[Sottoconto] LIMIT 1;";
-    p.push_back(Valore(Cifre(CodiceGruppo, 2) + Cifre(CodiceConto, 2) + Cifre(CodiceSottoconto, 3)));
-  }
-  Recordset rs = cn->Execute(sql, p);
-  if (rs.Eof()) return false;
-  PrendiChiave(rs, CodiceGruppo, CodiceConto, CodiceSottoconto);
-  return true;
+  return Passo(*cn, CodiceGruppo, CodiceConto, CodiceSottoconto, true);
 }
 
 bool clsPianoConti::RecordPrecedente(Valore& CodiceGruppo, Valore& CodiceConto, Valore& CodiceSottoconto) {
-  std::string sql = "SELECT Q.[Gruppo], Q.[Conto], Q.[Sottoconto] FROM " + kPianoConCodice;
-  Parametri p;
-  if (CodiceGruppo.TestoTrim().empty()) {
-    sql += " ORDER BY Q.SottocontoTmp, Q.[Gruppo], Q.[Conto], Q.[Sottoconto] LIMIT 1;";
-  } else {
-    sql += " WHERE Q.SottocontoTmp < ? ORDER BY Q.SottocontoTmp DESC, Q.[Gruppo] DESC, Q.[Conto] DESC, "
-           "Q.[Sottoconto] DESC LIMIT 1;";
-    p.push_back(Valore(Cifre(CodiceGruppo, 2) + Cifre(CodiceConto, 2) + Cifre(CodiceSottoconto, 3)));
-  }
-  Recordset rs = cn->Execute(sql, p);
-  if (rs.Eof()) return false;
-  PrendiChiave(rs, CodiceGruppo, CodiceConto, CodiceSottoconto);
-  return true;
+  return Passo(*cn, CodiceGruppo, CodiceConto, CodiceSottoconto, false);
 }
 
 // ---------------------------------------------------------------- lookups
 
 bool clsPianoConti::ExistRecord(const Valore& Gruppo, const Valore& Conto, const Valore& Sottoconto) {
-  Filtro f = FiltroChiave(kChiavePiano, Gruppo, Conto, Sottoconto);
-  return !cn->Execute("SELECT 1 FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p).Eof();
+  return Esiste(*cn, FiltroChiave(kChiavePiano, Gruppo, Conto, Sottoconto));
 }
 
 bool clsPianoConti::ExistSottoconto(const Valore& Gruppo, const Valore& Conto, const Valore& Sottoconto) {
@@ -267,18 +278,14 @@ bool clsPianoConti::ExistSottoconto(const Valore& Gruppo, const Valore& Conto, c
 }
 
 std::string clsPianoConti::GetDescrizione(const Valore& Gruppo, const Valore& Conto, const Valore& Sottoconto) {
-  Filtro f = FiltroChiave(kChiavePiano, Gruppo, Conto, Sottoconto);
-  Recordset rs = cn->Execute(
-      "SELECT [Piano Dei Conti].[Descrizione] FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p);
-  if (rs.Eof()) return "";
-  return LeggiCampo(rs("Descrizione"), Valore("")).Testo();
+  return Descrizione(*cn, FiltroChiave(kChiavePiano, Gruppo, Conto, Sottoconto)).value_or("");
 }
 
 bool clsPianoConti::GruppoConConti(const Valore& CodiceGruppo) {
   Filtro f;
   f.Parte(kChiavePiano.gruppo, CodiceGruppo);
   f.Piena(kChiavePiano.conto);
-  return !cn->Execute("SELECT 1 FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p).Eof();
+  return Esiste(*cn, f);
 }
 
 bool clsPianoConti::ContoConSottoconti(const Valore& CodiceGruppo, const Valore& CodiceConto) {
@@ -286,7 +293,7 @@ bool clsPianoConti::ContoConSottoconti(const Valore& CodiceGruppo, const Valore&
   f.Parte(kChiavePiano.gruppo, CodiceGruppo);
   f.Parte(kChiavePiano.conto, CodiceConto);
   f.Piena(kChiavePiano.sottoconto);
-  return !cn->Execute("SELECT 1 FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p).Eof();
+  return Esiste(*cn, f);
 }
 
 std::string clsPianoConti::GetDescrizioneSottoconto(const Valore& sottoconto, bool* Cancel,
@@ -302,10 +309,7 @@ std::string clsPianoConti::GetDescrizioneSottoconto(const Valore& sottoconto, bo
   // A longer code is no sub-account of the chart, whatever its first seven characters.
   if (LivelloConto(Valore(codice)) == 3) {
     Parti k = Dividi(Valore(codice));
-    Filtro f = FiltroChiave(kChiavePiano, k.gruppo, k.conto, k.sottoconto);
-    Recordset rs = cn->Execute(
-        "SELECT [Piano Dei Conti].[Descrizione] FROM [Piano Dei Conti] WHERE " + f.where + " LIMIT 1;", f.p);
-    if (!rs.Eof()) return LeggiCampo(rs("Descrizione"), Valore("")).Testo();
+    if (auto d = Descrizione(*cn, FiltroChiave(kChiavePiano, k.gruppo, k.conto, k.sottoconto))) return *d;
   }
   return inesistente("");
 }
