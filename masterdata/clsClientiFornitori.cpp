@@ -18,6 +18,19 @@ Valore Vuoto() { return Valore(std::string()); }
 
 bool Blank(const Valore& v) { return Trim(v.Testo()).empty(); }
 
+// The columns `colonne` of the row of a client or supplier found by its code and, when given,
+// by the sub-account it belongs to.
+Recordset LeggiRiga(Connessione& cn, const DefinizioneAnagrafica& d, const Valore& codice, const std::string& colonne,
+                    const std::optional<Valore>& sottoconto = std::nullopt) {
+  Parametri p;
+  std::string w = anagrafiche::FiltroChiavi(d, {codice}, p);
+  if (sottoconto) {
+    w += " AND [" + d.tabella + "].[SottocontoApparten] = ?";
+    p.push_back(*sottoconto);
+  }
+  return cn.Execute("SELECT " + colonne + " FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;", p);
+}
+
 }  // namespace
 
 SaldoCliFor CalcolaSaldoCliFor(Recordset& rs) {
@@ -238,13 +251,7 @@ Valore clsClientiFornitori::GetRagioneSocialeCliFor(const Valore& IndClienteForn
                                                     const std::optional<Valore>& SottocontoApparten, bool* Cancel,
                                                     IControllo* ControlloDaSelezionare) {
   const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  if (SottocontoApparten) {
-    w += " AND [" + d.tabella + "].[SottocontoApparten] = ?";
-    p.push_back(*SottocontoApparten);
-  }
-  auto rs = C().Execute("SELECT [" + d.tabella + "].[Ragione Sociale] FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;", p);
+  auto rs = LeggiRiga(C(), d, Codice_Cliente, "[" + d.tabella + "].[Ragione Sociale]", SottocontoApparten);
   if (!rs.Eof()) return LeggiCampo(rs.Fields(0), Vuoto());
   anagrafiche::SegnalaInesistente(Codice_Cliente, Cancel, ControlloDaSelezionare, d.titolo);
   return Vuoto();
@@ -253,14 +260,7 @@ Valore clsClientiFornitori::GetRagioneSocialeCliFor(const Valore& IndClienteForn
 bool clsClientiFornitori::ExistClienteFornitore(const Valore& IndClienteFornitore, const Valore& Codice_Cliente,
                                                 const std::optional<Valore>& SottocontoApparten) {
   const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  if (SottocontoApparten) {
-    w += " AND [" + d.tabella + "].[SottocontoApparten] = ?";
-    p.push_back(*SottocontoApparten);
-  }
-  return !C().Execute("SELECT [" + d.tabella + "].[Codice Cliente] FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;", p)
-              .Eof();
+  return !LeggiRiga(C(), d, Codice_Cliente, "[" + d.tabella + "].[Codice Cliente]", SottocontoApparten).Eof();
 }
 
 bool clsClientiFornitori::EsisteAltro(const Valore& ind, const Valore& codice, const char* colonna,
@@ -287,12 +287,8 @@ bool clsClientiFornitori::ExistCodiceFiscale(const Valore& IndClienteFornitore, 
 bool clsClientiFornitori::GetIntestazioneCliFor(const Valore& IndClienteFornitore, const Valore& Codice_Cliente,
                                                 Valore& Ragione_Sociale, Valore& Indirizzo, Valore& Cap,
                                                 Valore& Località, Valore& Provincia) {
-  const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  auto rs = C().Execute("SELECT [Ragione Sociale], [Indirizzo], [Cap], [Località], [Provincia] FROM [" + d.tabella +
-                            "] WHERE " + w + " LIMIT 1;",
-                        p);
+  auto rs = LeggiRiga(C(), Definizione(IndClienteFornitore), Codice_Cliente,
+                      "[Ragione Sociale], [Indirizzo], [Cap], [Località], [Provincia]");
   if (rs.Eof()) {
     Ragione_Sociale = Indirizzo = Cap = Località = Provincia = Vuoto();
     return false;
@@ -311,14 +307,9 @@ bool clsClientiFornitori::GetDatiAnagraficiCompletiCliFor(const Valore& IndClien
                                                           std::string& Partita_Iva, std::string& Indirizzo,
                                                           std::string& Cap, std::string& Località,
                                                           std::string& Provincia) {
-  const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  auto rs = C().Execute(
-      "SELECT [Ragione Sociale], [Ragione Sociale 2], [Codice Fiscale], [Partita Iva], [Indirizzo], [Cap], "
-      "[Località], [Provincia] FROM [" +
-          d.tabella + "] WHERE " + w + " LIMIT 1;",
-      p);
+  auto rs = LeggiRiga(C(), Definizione(IndClienteFornitore), Codice_Cliente,
+                      "[Ragione Sociale], [Ragione Sociale 2], [Codice Fiscale], [Partita Iva], [Indirizzo], [Cap], "
+                      "[Località], [Provincia]");
   std::string* out[] = {&Ragione_Sociale, &Ragione_Sociale_2, &Codice_Fiscale, &Partita_Iva,
                         &Indirizzo,       &Cap,               &Località,       &Provincia};
   bool trovato = !rs.Eof();
@@ -331,14 +322,9 @@ bool clsClientiFornitori::GetDatiPersonaFisicaCliFor(const Valore& IndClienteFor
                                                      std::string& Cognome, std::string& DataDiNascita,
                                                      std::string& Sesso, std::string& LuogoDiNascita,
                                                      std::string& ProvinciaDiNascita) {
-  const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  auto rs = C().Execute(
-      "SELECT [Persona Fisica], [Nome], [Cognome], [Data nascita], [Sesso], [Località nascita], [Provincia nascita] "
-      "FROM [" +
-          d.tabella + "] WHERE " + w + " LIMIT 1;",
-      p);
+  auto rs = LeggiRiga(C(), Definizione(IndClienteFornitore), Codice_Cliente,
+                      "[Persona Fisica], [Nome], [Cognome], [Data nascita], [Sesso], [Località nascita], "
+                      "[Provincia nascita]");
   if (rs.Eof()) {
     IndPersonaFisica = "0";
     Sesso = "1";
@@ -363,12 +349,9 @@ Valore clsClientiFornitori::GetParametriPredefinitiCliFor() { return Valore(); }
 void clsClientiFornitori::GetDareAvereSaldoClienteFornitore(Valore IndClienteFornitore, Valore Codice_Cliente,
                                                            Valore& DareAvereIniziale, Valore& SaldoIniziale,
                                                            Valore& DareAvereAttuale, Valore& SaldoAttuale) {
-  const auto& d = Definizione(IndClienteFornitore);
-  Parametri p;
-  std::string w = anagrafiche::FiltroChiavi(d, {Codice_Cliente}, p);
-  std::string sql = "SELECT ";
-  for (size_t i = 0; i < 6; ++i) sql += std::string(i ? ", " : "") + "[" + kSaldi[i] + "]";
-  auto rs = C().Execute(sql + " FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;", p);
+  std::string colonne;
+  for (size_t i = 0; i < 6; ++i) colonne += std::string(i ? ", " : "") + "[" + kSaldi[i] + "]";
+  auto rs = LeggiRiga(C(), Definizione(IndClienteFornitore), Codice_Cliente, colonne);
   SaldoCliFor s;
   if (!rs.Eof()) s = CalcolaSaldoCliFor(rs);
   DareAvereIniziale = Valore(SegnoDareAvere(s.iniziale));
