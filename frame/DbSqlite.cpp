@@ -403,6 +403,9 @@ std::shared_ptr<Connessione> Connessione::ApriSqlite(const std::string& file, co
   if (!o.solaLettura) {
     cn->Execute("PRAGMA journal_mode=WAL");
     cn->Esegui("PRAGMA synchronous=FULL");
+    // The savepoint of each saved row keeps the pages it touches in memory, not in a temporary
+    // file written again for every row.
+    cn->Esegui("PRAGMA temp_store=MEMORY");
   }
   return cn;
 }

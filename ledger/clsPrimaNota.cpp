@@ -1,0 +1,1254 @@
+#include "ledger/clsPrimaNota.h"
+
+#include <array>
+#include <functional>
+#include <stdexcept>
+
+#include "frame/Catalogo.h"
+#include "frame/Comuni.h"
+#include "frame/Formato.h"
+#include "frame/Host.h"
+#include "frame/Int128.h"
+#include "frame/VornServer.h"
+
+namespace vorn {
+
+namespace {
+
+const char* const kTabella = "Prima Nota";
+
+bool Vuoto(const Valore& v) { return v.IsNull() || v.IsEmpty() || (v.IsText() && v.Str().empty()); }
+
+// The trimmed text of a value; Null and Empty give "".
+std::string T(const Valore& v) { return Trim(v.Testo()); }
+
+// " AND col = ?" with the value bound, or, for an empty value, a match of both '' and Null:
+// the text keys of old archives hold either for a blank.
+void FiltroTesto(std::string& w, Parametri& p, const std::string& col, const Valore& v) {
+  if (!w.empty()) w += " AND ";
+  if (Vuoto(v)) {
+    w += "(" + col + " = '' OR " + col + " IS NULL)";
+  } else {
+    w += col + " = ?";
+    p.push_back(Valore(v.Testo()));
+  }
+}
+
+// A whole-number column: an empty value finds zeros and nulls; a value that is not a whole
+// number finds nothing.
+void FiltroNumero(std::string& w, Parametri& p, const std::string& col, const Valore& v) {
+  if (!w.empty()) w += " AND ";
+  if (Vuoto(v)) {
+    w += "(" + col + " = 0 OR " + col + " IS NULL)";
+    return;
+  }
+  std::optional<Importo> i;
+  try {
+    i = NullToZeroCy(v);
+  } catch (const std::exception&) {
+  }
+  if (!i || i->Raw() % Importo::kScala != 0) {
+    w += "1 = 0";
+    return;
+  }
+  w += col + " = ?";
+  p.push_back(Valore(static_cast<long long>(i->Raw() / Importo::kScala)));
+}
+
+// A date column: Null finds nulls, a date that date, anything else nothing.
+void FiltroData(std::string& w, Parametri& p, const std::string& col, const Valore& v) {
+  if (!w.empty()) w += " AND ";
+  if (v.IsNull()) {
+    w += col + " IS NULL";
+    return;
+  }
+  auto d = v.ComeData();
+  if (!d) {
+    w += "1 = 0";
+    return;
+  }
+  w += col + " = ?";
+  p.push_back(Valore(*d));
+}
+
+// A value of a read row: the default when null, text trimmed.
+Valore Leggi(Recordset& rs, std::string_view nome, const Valore& predefinito) {
+  return LeggiCampo(rs.Fields(nome), predefinito);
+}
+
+// A date that a statement gives back: engines without a date type give ISO text.
+Valore ComeDataONull(const Valore& v) {
+  if (v.IsNull() || v.IsEmpty()) return Valore::Null();
+  auto d = v.ComeData();
+  return d ? Valore(*d) : Valore::Null();
+}
+
+std::string DataTesto(const Valore& v) {
+  Valore d = ComeDataONull(v);
+  return d.IsNull() ? std::string() : d.Dat().Testo();
+}
+
+// The catalogue's columns of the journal, and their positions by lower-case name.
+const TabellaCatalogo& CatalogoPN() {
+  static const TabellaCatalogo* t = [] {
+    const TabellaCatalogo* x = TabellaCatalogoDi(kTabella);
+    if (!x) throw std::logic_error("Prima Nota assente dal catalogo");
+    return x;
+  }();
+  return *t;
+}
+
+const std::unordered_map<std::string, int>& IndiciPN() {
+  static const std::unordered_map<std::string, int> m = [] {
+    std::unordered_map<std::string, int> r;
+    const auto& cols = CatalogoPN().colonne;
+    for (size_t i = 0; i < cols.size(); ++i) r[LCase(cols[i].nome)] = static_cast<int>(i);
+    return r;
+  }();
+  return m;
+}
+
+int IndicePN(const char* nome) { return IndiciPN().at(LCase(nome)); }
+
+const std::string& SqlInserisciRiga() {
+  static const std::string s = [] {
+    std::string cols, vals;
+    for (const auto& c : CatalogoPN().colonne) {
+      cols += (cols.empty() ? "[" : ", [") + c.nome + "]";
+      vals += vals.empty() ? "?" : ", ?";
+    }
+    return "INSERT INTO [Prima Nota] (" + cols + ") VALUES (" + vals + ")";
+  }();
+  return s;
+}
+
+const std::string& SqlAggiornaRigaSet() {
+  static const std::string s = [] {
+    std::string set;
+    for (const auto& c : CatalogoPN().colonne) set += (set.empty() ? "[" : ", [") + c.nome + "] = ?";
+    return "UPDATE [Prima Nota] SET " + set + " WHERE ";
+  }();
+  return s;
+}
+
+const char* const kChiavePN[4] = {"NumeroRegistrazione", "TipoRigaIvaNormale", "NumRigaAVideo", "DareAvere"};
+
+// The columns that a movement reads, then the key and the status string.
+const char* const kColonneMovimento =
+    "[CodiceCausale], [ContoPrimaNota], [IndClienteFornitore], [CodClienteFornitore], [DareAvere], "
+    "[ImportoMovimento], [Cambio], [DataCompetenza]";
+
+MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r) {
+  MovimentoPrimaNota m;
+  m.CodiceCausale = r[0];
+  m.ContoPrimaNota = r[1];
+  m.IndClienteFornitore = r[2];
+  m.CodClienteFornitore = r[3];
+  m.DareAvere = r[4];
+  m.ImportoMovimento = r[5];
+  m.Cambio = r[6];
+  m.DataCompetenza = r[7];
+  return m;
+}
+
+// The i-th character (1-based) of a text, a blank beyond its end.
+std::string Carattere(const std::string& s, size_t i) {
+  std::string c = MedioTesto(s, i, 1);
+  return c.empty() ? std::string(" ") : c;
+}
+
+// The status string of a saved row: positions 1-2 as given, 3 the causal's operativity,
+// 4-10 those of the stored row (of the given value on a new row).
+std::string ComponiIndicatori(const Valore& dato, const std::string& operativita, const Valore* memorizzato) {
+  std::string d = dato.IsNull() || dato.IsEmpty() ? std::string() : dato.Testo();
+  std::string m = memorizzato ? (memorizzato->IsNull() ? std::string() : memorizzato->Testo()) : d;
+  std::string s = Carattere(d, 1) + Carattere(d, 2) + Carattere(operativita, 1);
+  for (size_t i = 4; i <= 10; ++i) s += Carattere(m, i);
+  return s;
+}
+
+// Whole-number value of a 32-bit column, 0 when it is not a number.
+int32_t Lng(const Valore& v) {
+  try {
+    return NullToZeroLng(v);
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
+
+bool CodiceNumericoNonNullo(const std::string& codice) {
+  try {
+    return NullToZeroDbl(Valore(codice)) != 0;
+  } catch (const std::exception&) {
+    return true;  // a number too large to read is not zero
+  }
+}
+
+// Number and date ranges of the range operations: numbers normalised to five digits, an empty
+// start "00000" and end "99999"; dates that are not dates widened to 1900 and 3000.
+void FiltroIntervallo(std::string& w, Parametri& p, const Valore& nIni, const Valore& nFin, const Valore& dIni,
+                      const Valore& dFin, const std::string& colonnaData) {
+  std::string n1, n2;
+  try {
+    n1 = Formato5Cifre(nIni);
+  } catch (const std::exception&) {
+  }
+  try {
+    n2 = Formato5Cifre(nFin);
+  } catch (const std::exception&) {
+  }
+  if (n1.empty()) n1 = "00000";
+  if (n2.empty()) n2 = "99999";
+  auto d1 = dIni.ComeData();
+  auto d2 = dFin.ComeData();
+  if (!w.empty()) w += " AND ";
+  w += colonnaData + " >= ? AND " + colonnaData + " <= ? AND [NumeroRegistrazione] >= ? AND [NumeroRegistrazione] <= ?";
+  p.push_back(Valore(d1 ? *d1 : *Data::Crea(1900, 1, 1)));
+  p.push_back(Valore(d2 ? *d2 : *Data::Crea(3000, 12, 31)));
+  p.push_back(Valore(n1));
+  p.push_back(Valore(n2));
+}
+
+void FiltroCausale(std::string& w, Parametri& p, const Valore& causale) {
+  if (Vuoto(causale)) return;
+  w += " AND [CodiceCausale] = ?";
+  p.push_back(Valore(causale.Testo()));
+}
+
+// Balance columns, in the order of Delta: opening, debit, credit; then the progressives.
+struct ColonneSaldo {
+  const char* tabella;
+  std::vector<std::string> chiave;
+  const char* periodo[3];
+  const char* progressivi[3];
+};
+const ColonneSaldo kSaldiConti{"Saldi Piano Dei Conti",
+                               {"CodiceGruppo", "CodiceConto", "CodiceSottoconto"},
+                               {"SaldoInizialePeriodo", "SaldoDarePeriodo", "SaldoAverePeriodo"},
+                               {"SaldoInizialeProgr", "DareProgressivo", "AvereProgressivo"}};
+const ColonneSaldo kSaldiClienti{"Anagrafica Clienti",
+                                 {"Codice Cliente"},
+                                 {"SaldoInizPeriodo", "SaldoDarePeriodo", "SaldoAverePeriodo"},
+                                 {"SaldoInizProgress", "SaldoDareProgress", "SaldoAvereProgress"}};
+const ColonneSaldo kSaldiFornitori{"Anagrafica Fornitori",
+                                   {"Codice Cliente"},
+                                   {"SaldoInizPeriodo", "SaldoDarePeriodo", "SaldoAverePeriodo"},
+                                   {"SaldoInizProgress", "SaldoDareProgress", "SaldoAvereProgress"}};
+
+// The statements that move one balance row, by the columns they touch (a mask of three bits).
+// Amounts are added in SQL and rounded to the four decimals of an amount, so that a column
+// stored as a binary floating value never gathers drift.
+struct SqlSaldo {
+  std::array<std::string, 8> upsert, aggiorna;
+  std::string inserisci, esiste;
+};
+
+std::string SetMovimento(const ColonneSaldo& cs, int mask, bool qualifica) {
+  std::string set;
+  for (int i = 0; i < 3; ++i) {
+    if (!(mask & (1 << i))) continue;
+    std::string col = std::string("[") + cs.periodo[i] + "]";
+    std::string vecchio = qualifica ? std::string("[") + cs.tabella + "]." + col : col;
+    set += (set.empty() ? "" : ", ") + col + " = ROUND(COALESCE(" + vecchio + ", 0) + ?, 4)";
+  }
+  return set;
+}
+
+SqlSaldo CostruisciSqlSaldo(const ColonneSaldo& cs, bool conRagione) {
+  SqlSaldo s;
+  std::string cols, vals, chiave;
+  for (const auto& k : cs.chiave) {
+    cols += (cols.empty() ? "[" : ", [") + k + "]";
+    vals += vals.empty() ? "?" : ", ?";
+    chiave += (chiave.empty() ? "[" : ", [") + k + "]";
+  }
+  if (conRagione) {
+    cols += ", [Ragione Sociale]";
+    vals += ", ?";
+  }
+  for (int i = 0; i < 3; ++i) {
+    cols += std::string(", [") + cs.periodo[i] + "]";
+    vals += ", ?";
+  }
+  for (int i = 0; i < 3; ++i) {
+    cols += std::string(", [") + cs.progressivi[i] + "]";
+    vals += ", 0";
+  }
+  s.inserisci = std::string("INSERT INTO [") + cs.tabella + "] (" + cols + ") VALUES (" + vals + ")";
+  for (int mask = 0; mask < 8; ++mask) {
+    s.upsert[mask] = s.inserisci + " ON CONFLICT (" + chiave + ") DO " +
+                     (mask ? "UPDATE SET " + SetMovimento(cs, mask, true) : std::string("NOTHING"));
+    if (mask) s.aggiorna[mask] = std::string("UPDATE [") + cs.tabella + "] SET " + SetMovimento(cs, mask, false) + " WHERE ";
+  }
+  s.esiste = std::string("SELECT 1 FROM [") + cs.tabella + "] WHERE ";
+  return s;
+}
+
+const SqlSaldo& SqlConti() {
+  static const SqlSaldo s = CostruisciSqlSaldo(kSaldiConti, false);
+  return s;
+}
+const SqlSaldo& SqlClienti() {
+  static const SqlSaldo s = CostruisciSqlSaldo(kSaldiClienti, true);
+  return s;
+}
+const SqlSaldo& SqlFornitori() {
+  static const SqlSaldo s = CostruisciSqlSaldo(kSaldiFornitori, true);
+  return s;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- connection and caches
+
+void clsPrimaNota::AssicuraConnessione() const {
+  if (!cn) throw ErroreDb(3709, "La connessione non è aperta.");
+}
+
+void clsPrimaNota::DimenticaCache() {
+  causali_.clear();
+  sottoconti_.clear();
+  causaliComplete_ = pianoCompleto_ = false;
+  upsert_.clear();
+}
+
+bool clsPrimaNota::GetParametriCausaleMovimentazione(const Valore& codiceCausale, Valore& TipoRegistroIva,
+                                                     Valore& TipoCausale, Valore& OperativitaPartite,
+                                                     Valore& OperativitaContabile, Valore& OperativitaIntra,
+                                                     Valore& IndQuadratura) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[CodiceCausale]", codiceCausale);
+  Recordset rs = cn->Execute(
+      "SELECT [TipoRegistroIva], [TipoCausale], [OperativitaPartite], [OperativitaContabile], [OperativitaIntra], "
+      "[IndQuadratura] FROM [Causali Contabili] WHERE " + w + " LIMIT 1",
+      p);
+  if (rs.Eof()) {
+    TipoRegistroIva = TipoCausale = OperativitaPartite = OperativitaContabile = OperativitaIntra = IndQuadratura =
+        Valore("");
+    return false;
+  }
+  TipoRegistroIva = Leggi(rs, "TipoRegistroIva", "0");
+  TipoCausale = Leggi(rs, "TipoCausale", "");
+  OperativitaPartite = Leggi(rs, "OperativitaPartite", "0");
+  OperativitaContabile = Leggi(rs, "OperativitaContabile", "0");
+  OperativitaIntra = Leggi(rs, "OperativitaIntra", "0");
+  IndQuadratura = Leggi(rs, "IndQuadratura", "0");
+  return true;
+}
+
+std::optional<std::string> clsPrimaNota::OperativitaCausale(const std::string& codice) {
+  auto it = causali_.find(codice);
+  if (it != causali_.end()) return it->second;
+  if (causaliComplete_) return std::nullopt;
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[CodiceCausale]", Valore(codice));
+  Recordset rs = cn->Execute("SELECT [OperativitaContabile] FROM [Causali Contabili] WHERE " + w + " LIMIT 1", p);
+  if (rs.Eof()) return std::nullopt;
+  std::string op = Leggi(rs, "OperativitaContabile", "0").Testo();
+  causali_[codice] = op;
+  return op;
+}
+
+bool clsPrimaNota::ExistSottoconto(const Valore& CodiceGruppo, const Valore& CodiceConto,
+                                   const Valore& CodiceSottoconto) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[Gruppo]", CodiceGruppo);
+  FiltroTesto(w, p, "[Conto]", CodiceConto);
+  FiltroTesto(w, p, "[Sottoconto]", CodiceSottoconto);
+  return !cn->Scalare("SELECT 1 FROM [Piano Dei Conti] WHERE " + w + " LIMIT 1", p).IsNull();
+}
+
+namespace {
+std::string ChiaveConto(const std::string& g, const std::string& c, const std::string& s) {
+  return g + '\x1f' + c + '\x1f' + s;
+}
+}  // namespace
+
+bool clsPrimaNota::EsisteSottocontoCache(const std::string& g, const std::string& c, const std::string& s) {
+  std::string k = ChiaveConto(g, c, s);
+  if (sottoconti_.count(k)) return true;
+  if (pianoCompleto_) {
+    // An empty part also matches a row whose part is missing: read into the set as ''.
+    return false;
+  }
+  if (!ExistSottoconto(Valore(g), Valore(c), Valore(s))) return false;
+  sottoconti_.insert(k);
+  return true;
+}
+
+bool clsPrimaNota::ChiaveUpsert(const std::string& tabella, const std::vector<std::string>& colonne) {
+  auto it = upsert_.find(tabella);
+  if (it != upsert_.end()) return it->second;
+  const auto& k = cn->ChiaveTabella(tabella);
+  bool ok = k.size() == colonne.size();
+  for (size_t i = 0; ok && i < k.size(); ++i) {
+    bool trovata = false;
+    for (const auto& c : colonne) trovata = trovata || UgualeNoCase(c, k[i]);
+    ok = trovata;
+  }
+  upsert_[tabella] = ok;
+  return ok;
+}
+
+// ---------------------------------------------------------------- balance movement
+
+clsPrimaNota::Delta clsPrimaNota::CalcolaDelta(const std::string& operativita, const std::string& dareAvere,
+                                               Importo importo) {
+  Delta d;
+  if (operativita == "0" || operativita == "2") {
+    if (dareAvere == "D") {
+      d.dare = importo;
+      d.tocca[1] = true;
+    } else if (dareAvere == "A") {
+      d.avere = importo;
+      d.tocca[2] = true;
+    }
+  } else if (operativita == "1") {
+    if (dareAvere == "D") {
+      d.iniziale = importo;
+      d.tocca[0] = true;
+    } else if (dareAvere == "A") {
+      d.iniziale = -importo;
+      d.tocca[0] = true;
+    }
+  }
+  return d;
+}
+
+namespace {
+int MascheraDelta(const bool tocca[3]) { return (tocca[0] ? 1 : 0) | (tocca[1] ? 2 : 0) | (tocca[2] ? 4 : 0); }
+
+void AggiungiDelta(Parametri& p, const Importo v[3], int mask) {
+  for (int i = 0; i < 3; ++i)
+    if (mask & (1 << i)) p.push_back(Valore(v[i]));
+}
+}  // namespace
+
+void clsPrimaNota::ScriviSaldoSottoconto(const std::string& g, const std::string& c, const std::string& s,
+                                         const Delta& d) {
+  const SqlSaldo& q = SqlConti();
+  int mask = MascheraDelta(d.tocca);
+  const Importo v[3] = {d.iniziale, d.dare, d.avere};
+  Parametri p{Valore(g), Valore(c), Valore(s), Valore(v[0]), Valore(v[1]), Valore(v[2])};
+  if (!g.empty() && !c.empty() && !s.empty() && ChiaveUpsert(kSaldiConti.tabella, kSaldiConti.chiave)) {
+    AggiungiDelta(p, v, mask);
+    cn->Esegui(q.upsert[mask], p);
+    return;
+  }
+  // A code with empty parts: the row may hold '' or Null there.
+  std::string w;
+  Parametri pw;
+  FiltroTesto(w, pw, "[CodiceGruppo]", Valore(g));
+  FiltroTesto(w, pw, "[CodiceConto]", Valore(c));
+  FiltroTesto(w, pw, "[CodiceSottoconto]", Valore(s));
+  if (mask) {
+    Parametri pu;
+    AggiungiDelta(pu, v, mask);
+    pu.insert(pu.end(), pw.begin(), pw.end());
+    if (cn->Esegui(q.aggiorna[mask] + w, pu) > 0) return;
+  } else if (!cn->Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
+    return;
+  }
+  cn->Esegui(q.inserisci, p);
+}
+
+void clsPrimaNota::ScriviSaldoCliFor(char tipo, const std::string& codice, const Delta& d) {
+  const ColonneSaldo& cs = tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
+  const SqlSaldo& q = tipo == 'C' ? SqlClienti() : SqlFornitori();
+  int mask = MascheraDelta(d.tocca);
+  const Importo v[3] = {d.iniziale, d.dare, d.avere};
+  // A posting is never lost for want of a master record: the new row is named with its code.
+  Parametri p{Valore(codice), Valore(codice), Valore(v[0]), Valore(v[1]), Valore(v[2])};
+  if (!codice.empty() && ChiaveUpsert(cs.tabella, cs.chiave)) {
+    AggiungiDelta(p, v, mask);
+    cn->Esegui(q.upsert[mask], p);
+    return;
+  }
+  std::string w;
+  Parametri pw;
+  FiltroTesto(w, pw, "[Codice Cliente]", Valore(codice));
+  if (mask) {
+    Parametri pu;
+    AggiungiDelta(pu, v, mask);
+    pu.insert(pu.end(), pw.begin(), pw.end());
+    if (cn->Esegui(q.aggiorna[mask] + w, pu) > 0) return;
+  } else if (!cn->Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
+    return;
+  }
+  cn->Esegui(q.inserisci, p);
+}
+
+bool clsPrimaNota::MovimentaSaldiSottoconti(const Valore& CodiceGruppo, const Valore& CodiceConto,
+                                            const Valore& CodiceSottoconto, const Valore& DareAvere,
+                                            const Valore& ImportoMovimento, const Valore& OperativitaContabile) {
+  AssicuraConnessione();
+  std::string g = T(CodiceGruppo), c = T(CodiceConto), s = T(CodiceSottoconto);
+  Delta d = CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento));
+  if (raccolta_) {
+    Delta& acc = (*raccolta_)[ChiaveSaldo{'S', g, c, s}];
+    acc.iniziale += d.iniziale;
+    acc.dare += d.dare;
+    acc.avere += d.avere;
+    for (int i = 0; i < 3; ++i) acc.tocca[i] = acc.tocca[i] || d.tocca[i];
+    return true;
+  }
+  ScriviSaldoSottoconto(g, c, s, d);
+  return true;
+}
+
+bool clsPrimaNota::MovimentaSaldiClientiFornitori(const Valore& /*ContoPrimaNota*/, const Valore& IndClienteFornitore,
+                                                  const Valore& codiceCliFor, const Valore& DareAvere,
+                                                  const Valore& ImportoMovimento, const Valore& OperativitaContabile) {
+  AssicuraConnessione();
+  std::string ind = T(IndClienteFornitore);
+  if (ind != "C" && ind != "F") return true;
+  std::string codice = T(codiceCliFor);
+  Delta d = CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento));
+  if (raccolta_) {
+    Delta& acc = (*raccolta_)[ChiaveSaldo{ind[0], codice, {}, {}}];
+    acc.iniziale += d.iniziale;
+    acc.dare += d.dare;
+    acc.avere += d.avere;
+    for (int i = 0; i < 3; ++i) acc.tocca[i] = acc.tocca[i] || d.tocca[i];
+    return true;
+  }
+  ScriviSaldoCliFor(ind[0], codice, d);
+  return true;
+}
+
+bool clsPrimaNota::MovimentaSaldiContabili(const Valore& codiceCausale, const Valore& ContoPrimaNota,
+                                           const Valore& IndClienteFornitore, const Valore& CodClienteFornitore,
+                                           const Valore& DareAvere, const Valore& ImportoMovimento,
+                                           const Valore& /*Cambio*/, const Valore& /*DataCompetenza*/) {
+  AssicuraConnessione();
+  std::string conto = T(ContoPrimaNota);
+  Importo importo = NullToZeroCy(ImportoMovimento);
+  if (conto.empty() || importo.Zero()) return true;
+  // The amount is in the company's currency already: neither the rate nor the competence date
+  // takes part in the arithmetic.
+  std::string causale = T(codiceCausale);
+  std::string operativita;
+  if (auto op = OperativitaCausale(causale)) {
+    operativita = *op;
+  } else {
+    Host().Beep();
+    Host().MsgBox("Causale contabile '" + causale + "' inesistente. Possibile disallinamento dei saldi contabili.",
+                  vbExclamation, "Movimenta Saldi Contabili");
+  }
+  std::string g = MedioTesto(conto, 1, 2), c = MedioTesto(conto, 3, 2), s = MedioTesto(conto, 5, 3);
+  if (!EsisteSottocontoCache(g, c, s))
+    Host().MsgBox("Sottoconto " + conto + " inesistente.", vbExclamation, "Funzione MovimentaSaldiContabili");
+  Valore op(operativita);
+  MovimentaSaldiSottoconti(Valore(g), Valore(c), Valore(s), DareAvere, Valore(importo), op);
+  if (CodiceNumericoNonNullo(T(CodClienteFornitore)))
+    MovimentaSaldiClientiFornitori(ContoPrimaNota, IndClienteFornitore, CodClienteFornitore, DareAvere,
+                                   Valore(importo), op);
+  return true;
+}
+
+void clsPrimaNota::MovimentaRecordContabile(const MovimentoPrimaNota& m, bool Storno) {
+  // The amount as stored, to its last decimal, so that a storno takes off exactly what the
+  // posting put on and a replay gives back exactly the sums of the journal.
+  Importo importo = NullToZeroCy(m.ImportoMovimento);
+  if (Storno) importo = -importo;
+  Valore cambio = m.Cambio.IsNull() ? Valore(0) : m.Cambio;
+  if (!MovimentaSaldiContabili(m.CodiceCausale, m.ContoPrimaNota, m.IndClienteFornitore, m.CodClienteFornitore,
+                               m.DareAvere, Valore(importo), cambio, m.DataCompetenza)) {
+    Host().Beep();
+    Host().MsgBox("Errore in fase di movimentazione saldi contabili", vbExclamation,
+                  "Funzione MovimentaRecordContabile");
+  }
+}
+
+void clsPrimaNota::MovimentaRecordContabile(Recordset& T, bool Storno) {
+  MovimentoPrimaNota m;
+  m.CodiceCausale = Leggi(T, "CodiceCausale", "");
+  m.ContoPrimaNota = Leggi(T, "ContoPrimaNota", "");
+  m.IndClienteFornitore = Leggi(T, "IndClienteFornitore", "");
+  m.CodClienteFornitore = Leggi(T, "CodClienteFornitore", "");
+  m.DareAvere = Leggi(T, "DareAvere", "");
+  m.ImportoMovimento = Leggi(T, "ImportoMovimento", Importo());
+  m.Cambio = Leggi(T, "Cambio", 0);
+  m.DataCompetenza = Leggi(T, "DataCompetenza", "0.00.00");
+  MovimentaRecordContabile(m, Storno);
+}
+
+void clsPrimaNota::IniziaRaccolta() {
+  AssicuraConnessione();
+  causali_.clear();
+  sottoconti_.clear();
+  {
+    Recordset rs = cn->Execute("SELECT [CodiceCausale], [OperativitaContabile] FROM [Causali Contabili]");
+    for (; !rs.Eof(); rs.MoveNext()) {
+      std::string codice = rs.Fields(0).Value().IsNull() ? std::string() : rs.Fields(0).Value().Testo();
+      causali_.emplace(codice, Leggi(rs, "OperativitaContabile", "0").Testo());
+    }
+  }
+  {
+    Recordset rs = cn->Execute("SELECT [Gruppo], [Conto], [Sottoconto] FROM [Piano Dei Conti]");
+    auto testo = [](const Valore& v) { return v.IsNull() ? std::string() : v.Testo(); };
+    for (; !rs.Eof(); rs.MoveNext())
+      sottoconti_.insert(ChiaveConto(testo(rs.Fields(0).Value()), testo(rs.Fields(1).Value()), testo(rs.Fields(2).Value())));
+  }
+  // The keys of the balance tables, read now too.
+  ChiaveUpsert(kSaldiConti.tabella, kSaldiConti.chiave);
+  ChiaveUpsert(kSaldiClienti.tabella, kSaldiClienti.chiave);
+  ChiaveUpsert(kSaldiFornitori.tabella, kSaldiFornitori.chiave);
+  causaliComplete_ = pianoCompleto_ = true;
+  raccolta_.emplace();
+}
+
+void clsPrimaNota::AnnullaRaccolta() {
+  raccolta_.reset();
+  causaliComplete_ = pianoCompleto_ = false;
+}
+
+void clsPrimaNota::ScaricaRaccolta() {
+  if (!raccolta_) return;
+  auto dati = std::move(*raccolta_);
+  AnnullaRaccolta();
+  Atomico a(*cn);
+  for (const auto& [k, d] : dati) {
+    if (k.tipo == 'S') ScriviSaldoSottoconto(k.a, k.b, k.c, d);
+    else ScriviSaldoCliFor(k.tipo, k.a, d);
+  }
+  a.Conferma();
+}
+
+// ---------------------------------------------------------------- rows
+
+bool clsPrimaNota::LocalizzaRecord(Recordset& T, const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale,
+                                   const Valore& NumRigaAVideo, const Valore& DareAvere, const Valore& clientID,
+                                   long hWnd) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  FiltroTesto(w, p, "[TipoRigaIvaNormale]", TipoRigaIvaNormale);
+  FiltroTesto(w, p, "[NumRigaAVideo]", NumRigaAVideo);
+  FiltroTesto(w, p, "[DareAvere]", DareAvere);
+  return LocalizzaRecordProtocollo(*cn, T, kTabella, w, p, clientID, hWnd);
+}
+
+bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID, long hWnd, bool& Cancel) {
+  AssicuraConnessione();
+  Cancel = false;
+  const auto& cat = CatalogoPN();
+  const auto& indici = IndiciPN();
+  const size_t n = cat.colonne.size();
+  static const int iDescrizione = IndicePN("DescrizioneSupplem");
+  static const int iDataDocumento = IndicePN("DataDocumento");
+  static const int iIndicatori = IndicePN("Stringa10indicatori");
+  static const int iClient = IndicePN("clientName");
+  static const int iHwnd = IndicePN("hWnd");
+  static const int iCausale = IndicePN("CodiceCausale");
+  static const int iChiave[4] = {IndicePN(kChiavePN[0]), IndicePN(kChiavePN[1]), IndicePN(kChiavePN[2]),
+                                 IndicePN(kChiavePN[3])};
+  static const int iMov[8] = {IndicePN("CodiceCausale"),   IndicePN("ContoPrimaNota"),
+                              IndicePN("IndClienteFornitore"), IndicePN("CodClienteFornitore"),
+                              IndicePN("DareAvere"),        IndicePN("ImportoMovimento"),
+                              IndicePN("Cambio"),           IndicePN("DataCompetenza")};
+
+  // Every value is checked and converted before anything is read or written.
+  std::vector<Valore> dati(n);
+  for (const auto& [nome, v] : riga) {
+    std::string k = LCase(nome);
+    auto it = indici.find(k);
+    if (it == indici.end()) {
+      if (k == "numeroregistrazione2" || k == "dataregistrazione2") continue;
+      throw ErroreDb(3265, "Colonna inesistente nella tabella Prima Nota: " + nome);
+    }
+    dati[it->second] = v;
+  }
+  Parametri valori(n);
+  for (size_t i = 0; i < n; ++i) {
+    const Valore& v = dati[i];
+    int ii = static_cast<int>(i);
+    if (ii == iDescrizione && !Vuoto(v)) valori[i] = Valore(SinistraTesto(v.Testo(), 20));
+    else if (ii == iDataDocumento) valori[i] = ComeDataONull(v);
+    else if (ii == iIndicatori || ii == iClient || ii == iHwnd) continue;
+    else valori[i] = Coerci(v, cat.colonne[i].tipo);
+  }
+  valori[iClient] = clientID.IsEmpty() ? Valore::Null() : Coerci(clientID, TipoCampo::Testo);
+  valori[iHwnd] = Valore(static_cast<long long>(hWnd));
+
+  // The row and its balance movement land together or not at all.
+  Atomico unita(*cn);
+
+  std::string w;
+  Parametri pw;
+  for (int k = 0; k < 4; ++k) FiltroTesto(w, pw, std::string("[") + kChiavePN[k] + "]", valori[iChiave[k]]);
+  Recordset esistente = cn->Execute(std::string("SELECT ") + kColonneMovimento +
+                                        ", [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], [DareAvere], "
+                                        "[Stringa10indicatori] FROM [Prima Nota] WHERE " + w + " LIMIT 1",
+                                    pw);
+  bool nuovo = esistente.Eof();
+  Valore indicatoriMemorizzati;
+  std::vector<Valore> chiaveOriginale;
+  if (!nuovo) {
+    std::vector<Valore> r;
+    for (int i = 0; i < 13; ++i) r.push_back(esistente.Fields(i).Value());
+    // Its present effect comes off the balances first.
+    MovimentaRecordContabile(MovimentoDaRiga(r), true);
+    chiaveOriginale.assign(r.begin() + 8, r.begin() + 12);
+    indicatoriMemorizzati = r[12];
+  }
+
+  std::string operativita;
+  if (auto op = OperativitaCausale(T(valori[iCausale]))) operativita = *op;
+  valori[iIndicatori] = Valore(ComponiIndicatori(dati[iIndicatori], operativita, nuovo ? nullptr : &indicatoriMemorizzati));
+
+  MovimentoPrimaNota m;
+  Valore* campi[8] = {&m.CodiceCausale, &m.ContoPrimaNota, &m.IndClienteFornitore, &m.CodClienteFornitore,
+                      &m.DareAvere, &m.ImportoMovimento, &m.Cambio, &m.DataCompetenza};
+  for (int i = 0; i < 8; ++i) *campi[i] = valori[iMov[i]];
+  MovimentaSaldiContabili(m.CodiceCausale, m.ContoPrimaNota, m.IndClienteFornitore, m.CodClienteFornitore, m.DareAvere,
+                          m.ImportoMovimento, m.Cambio, m.DataCompetenza);
+
+  if (nuovo) {
+    cn->Esegui(SqlInserisciRiga(), valori);
+  } else {
+    std::string chiave;
+    for (int k = 0; k < 4; ++k) {
+      if (k) chiave += " AND ";
+      chiave += std::string("[") + kChiavePN[k] + "]";
+      if (chiaveOriginale[k].IsNull()) {
+        chiave += " IS NULL";
+      } else {
+        chiave += " = ?";
+        valori.push_back(chiaveOriginale[k]);
+      }
+    }
+    if (cn->Esegui(SqlAggiornaRigaSet() + chiave, valori) == 0)
+      throw ErroreDb(3197, "Impossibile trovare la riga per l'aggiornamento: alcuni valori potrebbero essere stati "
+                           "modificati dall'ultima lettura.");
+  }
+  unita.Conferma();
+  return true;
+}
+
+int64_t clsPrimaNota::StornaECancella(const std::string& where, const Parametri& p) {
+  Atomico unita(*cn);
+  Recordset rs = cn->Execute(std::string("SELECT ") + kColonneMovimento + " FROM [Prima Nota] WHERE " + where, p);
+  std::vector<Valore> r(8);
+  int64_t n = 0;
+  for (; !rs.Eof(); rs.MoveNext()) {
+    for (int i = 0; i < 8; ++i) r[i] = rs.Fields(i).Value();
+    MovimentaRecordContabile(MovimentoDaRiga(r), true);
+    ++n;
+  }
+  cn->Esegui("DELETE FROM [Prima Nota] WHERE " + where, p);
+  unita.Conferma();
+  return n;
+}
+
+bool clsPrimaNota::CancellaRecord(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  StornaECancella(w, p);
+  return true;
+}
+
+bool clsPrimaNota::CancellaRecordEccedentiRigoReg(const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale,
+                                                  const Valore& NumRigaAVideo) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  FiltroTesto(w, p, "[TipoRigaIvaNormale]", TipoRigaIvaNormale);
+  w += " AND [NumRigaAVideo] > ?";
+  p.push_back(Valore(NumRigaAVideo.IsNull() ? std::string() : NumRigaAVideo.Testo()));
+  StornaECancella(w, p);
+  return true;
+}
+
+int32_t clsPrimaNota::CancellaPrimaNota(const Valore& NumeroRegistrazione_Iniziale,
+                                        const Valore& NumeroRegistrazione_Finale,
+                                        const Valore& DataRegistrazione_Iniziale,
+                                        const Valore& DataRegistrazione_Finale, const Valore& codiceCausale) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroIntervallo(w, p, NumeroRegistrazione_Iniziale, NumeroRegistrazione_Finale, DataRegistrazione_Iniziale,
+                   DataRegistrazione_Finale, "[DataRegistrazione]");
+  FiltroCausale(w, p, codiceCausale);
+  // A range may cover the whole journal: the rows are streamed, their effect gathered per
+  // balance row and written once, then one DELETE.
+  Atomico unita(*cn);
+  bool propria = !InRaccolta();
+  if (propria) IniziaRaccolta();
+  int64_t n = 0;
+  try {
+    cn->Scorri(std::string("SELECT ") + kColonneMovimento + " FROM [Prima Nota] WHERE " + w, p,
+               [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
+                 MovimentaRecordContabile(MovimentoDaRiga(r), true);
+                 ++n;
+                 return true;
+               });
+    if (propria) ScaricaRaccolta();
+  } catch (...) {
+    if (propria) AnnullaRaccolta();
+    throw;
+  }
+  cn->Esegui("DELETE FROM [Prima Nota] WHERE " + w, p);
+  unita.Conferma();
+  return static_cast<int32_t>(n);
+}
+
+bool clsPrimaNota::AzzeraPrimaNota() {
+  try {
+    AssicuraConnessione();
+    Atomico unita(*cn);
+    cn->Esegui("DELETE FROM [Prima Nota]");
+    unita.Conferma();
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// ---------------------------------------------------------------- printed marks
+
+bool clsPrimaNota::ManipolaIndicatoriPrimaNota(const Valore& NumeroRegistrazione_Iniziale,
+                                               const Valore& NumeroRegistrazione_Finale,
+                                               const Valore& DataRegistrazione_Iniziale,
+                                               const Valore& DataRegistrazione_Finale, const Valore& Causale,
+                                               const Valore& Tipo_Manipolazione, const Valore& Valore_Indicatori,
+                                               const Valore& IndIVAAutotrasportatori) {
+  AssicuraConnessione();
+  std::string tipo = T(Tipo_Manipolazione);
+  double v = 0;
+  try {
+    v = NullToZeroDbl(Valore_Indicatori);
+  } catch (const std::exception&) {
+    return true;
+  }
+  if ((tipo != "R" && tipo != "G") || (v != 0 && v != 1)) return true;
+  const std::string s = "[Stringa10indicatori]";
+  std::string set;
+  if (tipo == "R") {
+    set = s + " = '" + (v == 1 ? "R" : " ") + "' || COALESCE(substr(" + s + ", 2), '')";
+  } else {
+    set = s + " = CASE WHEN COALESCE(substr(" + s + ", 1, 1), '') = '' THEN ' ' ELSE substr(" + s + ", 1, 1) END || '" +
+          (v == 1 ? "G" : " ") + "' || COALESCE(substr(" + s + ", 3), '')";
+  }
+  auto esegui = [&](const std::string& colonnaData, const std::string& extra) {
+    std::string w;
+    Parametri p;
+    FiltroIntervallo(w, p, NumeroRegistrazione_Iniziale, NumeroRegistrazione_Finale, DataRegistrazione_Iniziale,
+                     DataRegistrazione_Finale, colonnaData);
+    FiltroCausale(w, p, Causale);
+    cn->Esegui("UPDATE [Prima Nota] SET " + set + " WHERE " + w + extra, p);
+  };
+  Atomico unita(*cn);
+  if (tipo == "G") {
+    esegui("[DataRegistrazione]", "");
+  } else if (T(IndIVAAutotrasportatori) == "1") {
+    esegui("[DataCompetenzaIVA]", "");
+  } else {
+    esegui("[DataCompetenzaIVA]", " AND [TipoRegistroIva] IN ('1', '6')");
+    esegui("[DataCompetenza]", " AND COALESCE([TipoRegistroIva], '') NOT IN ('1', '6')");
+  }
+  unita.Conferma();
+  return true;
+}
+
+bool clsPrimaNota::MarcaIndicatoriStampatoRegistriIva(const Valore& daData, const Valore& aData,
+                                                      const Valore& avar_TipoRegistroIva,
+                                                      const Valore& avar_NumRegistroIva,
+                                                      const Valore& str_IndIVAAutotrasportatori) {
+  AssicuraConnessione();
+  std::string tipo = T(avar_TipoRegistroIva);
+  std::string colonna = (T(str_IndIVAAutotrasportatori) == "1" || tipo == "1" || tipo == "6") ? "[DataCompetenzaIVA]"
+                                                                                              : "[DataCompetenza]";
+  Parametri p{ComeDataONull(daData), ComeDataONull(aData)};
+  std::string w = colonna + " >= ? AND " + colonna + " <= ?";
+  FiltroTesto(w, p, "[TipoRegistroIva]", avar_TipoRegistroIva);
+  FiltroTesto(w, p, "[NumRegistroIva]", avar_NumRegistroIva);
+  const std::string s = "[Stringa10indicatori]";
+  cn->Esegui("UPDATE [Prima Nota] SET " + s + " = 'R' || COALESCE(substr(" + s + ", 2), '') WHERE " + w +
+                 " AND COALESCE(substr(" + s + ", 1, 1), '') <> 'R' AND [TipoRigaIvaNormale] = 'I'",
+             p);
+  return true;
+}
+
+// ---------------------------------------------------------------- counters
+
+bool clsPrimaNota::AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazione, const Valore& DataRegistrazione,
+                                                const Valore& TipoRegistroIva, const Valore& NumRegistroIva,
+                                                const Valore& SerieDocumento, const Valore& NumeroDocumento,
+                                                const Valore& DataDocumento, const Valore& NumeroDiProtocollo,
+                                                const Valore& clientID, long hWnd) {
+  std::string tipo = T(TipoRegistroIva);
+  if (tipo == "1" || tipo == "3" || tipo == "5")
+    AggiornaNumeroUltimoDocumento(TipoRegistroIva, NumRegistroIva, SerieDocumento, NumeroDocumento, DataDocumento);
+  else if (tipo == "2")
+    // A purchase register counts protocols, by registration date, and has no series.
+    AggiornaNumeroUltimoDocumento(TipoRegistroIva, NumRegistroIva, Valore(""), NumeroDiProtocollo, DataRegistrazione);
+  return AggiornaNumeroUltimaRegistrazione(numeroRegistrazione, clientID, hWnd);
+}
+
+bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistrazionePN, const Valore& clientID,
+                                                     long hWnd) {
+  AssicuraConnessione();
+  Recordset rs = cn->Apri("Progressivi Azienda Vorn");
+  if (rs.Eof()) rs.AddNew();
+  rs("UltimaRegistrazionePN") = Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN)));
+  MarcaRecord(rs, clientID, hWnd);
+  rs.Update();
+  rs.Close();
+  return true;
+}
+
+bool clsPrimaNota::AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, const Valore& NumeroRegistro,
+                                                 const Valore& SerieDocumento, const Valore& NumeroUltimoDoc,
+                                                 const Valore& DataUltimoDoc) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[TipoRegistro]", TipoRegistro);
+  FiltroTesto(w, p, "[IndOrdiniImpegni]", Valore(""));
+  FiltroTesto(w, p, "[NumeroRegistro]", NumeroRegistro);
+  FiltroTesto(w, p, "[Deposito]", Valore("000"));
+  FiltroTesto(w, p, "[SerieDocumento]", SerieDocumento);
+  Recordset rs = cn->Apri("Progressivi Numerazione Vorn", w, p);
+  if (rs.Eof()) {
+    rs.AddNew();
+  } else {
+    std::string tipo = T(TipoRegistro);
+    bool documenti = tipo == "1" || tipo == "3" || tipo == "5";
+    if (documenti || tipo == "2") {
+      if (Lng(NumeroUltimoDoc) < Lng(rs("NumeroUltimoDoc").Value())) return false;
+      Valore memorizzata = ComeDataONull(rs("DataUltimoDoc").Value());
+      auto data = DataUltimoDoc.ComeData();
+      if (data && !memorizzata.IsNull() && *data < memorizzata.Dat()) {
+        std::string testo =
+            documenti ? "Il numero del documento '" + NumeroUltimoDoc.Testo() + "' che si sta registrando per la serie '" +
+                            SerieDocumento.Testo() +
+                            "' ha una data documento inferiore alla data dell'ultimo documento registrato.\r"
+                            "Proseguo ugualmente con l'aggiornamento del numero dell'ultimo documento per la serie '" +
+                            SerieDocumento.Testo() + "'?"
+                      : std::string("La registrazione di acquisto che si sta memorizzando ha una data regitrazione "
+                                    "inferiore alla data di ultimo numero di protocollo ma numero di protocollo "
+                                    "superiore.\rProseguo ugualmente con l'aggiornamento del protocollo?");
+        Host().Beep();
+        if (Host().MsgBox(testo, vbYesNo | vbQuestion, "Metodo AggiornaNumeroUltimoDocumento") != vbYes) return false;
+      }
+    } else {
+      // No other kind of register has a counter here: the write below fails on the closed rows.
+      rs.Close();
+    }
+  }
+  rs("TipoRegistro") = TipoRegistro;
+  rs("IndOrdiniImpegni") = Valore("");
+  rs("NumeroRegistro") = NumeroRegistro;
+  rs("Deposito") = Valore("000");
+  rs("SerieDocumento") = SerieDocumento;
+  rs("NumeroUltimoDoc") = NumeroUltimoDoc;
+  rs("DataUltimoDoc") = DataUltimoDoc;
+  rs("NumeroUltimoDocBollato") = Valore("");
+  rs.Update();
+  rs.Close();
+  return true;
+}
+
+// ---------------------------------------------------------------- navigation and reading
+
+bool clsPrimaNota::RecordSuccessivo(Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  Valore r = T(numeroRegistrazione).empty()
+                 ? cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota]")
+                 : cn->Scalare("SELECT MIN([NumeroRegistrazione]) FROM [Prima Nota] WHERE [NumeroRegistrazione] > ?",
+                               {Valore(numeroRegistrazione.Testo())});
+  numeroRegistrazione = Valore(r.IsNull() ? std::string() : T(r));
+  return !numeroRegistrazione.Str().empty();
+}
+
+bool clsPrimaNota::RecordPrecedente(Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  Valore r = T(numeroRegistrazione).empty()
+                 ? cn->Scalare("SELECT MIN([NumeroRegistrazione]) FROM [Prima Nota]")
+                 : cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota] WHERE [NumeroRegistrazione] < ?",
+                               {Valore(numeroRegistrazione.Testo())});
+  numeroRegistrazione = Valore(r.IsNull() ? std::string() : T(r));
+  return !numeroRegistrazione.Str().empty();
+}
+
+std::string clsPrimaNota::GetMaxRegistrazionePrimaNota() {
+  AssicuraConnessione();
+  Valore r = cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota]");
+  if (r.IsNull()) return "00000";
+  return Format(Valore(T(r)), "00000");
+}
+
+int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
+  AssicuraConnessione();
+  // The greatest number as a number: text order would put "99999" above "100000".
+  Valore r = cn->IsPostgres()
+                 ? cn->Scalare("SELECT MAX(CAST([NumeroRegistrazione] AS NUMERIC)) FROM [Prima Nota] "
+                               "WHERE [NumeroRegistrazione] ~ '^ *[0-9]+ *$'")
+                 : cn->Scalare("SELECT MAX(CAST([NumeroRegistrazione] AS INTEGER)) FROM [Prima Nota]");
+  return Lng(r) + 1;
+}
+
+bool clsPrimaNota::ExistRegistrazione(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  return !cn->Scalare("SELECT 1 FROM [Prima Nota] WHERE " + w + " LIMIT 1", p).IsNull();
+}
+
+Importo clsPrimaNota::GetDifferenzaIva(const Valore& ImponibileIva, const Valore& ImpostaIva,
+                                       const Valore& AliquotaIva) {
+  Importo imponibile = NullToZeroCy(ImponibileIva), imposta = NullToZeroCy(ImpostaIva),
+          aliquota = NullToZeroCy(AliquotaIva);
+  // imponibile x aliquota / 100 in exact fixed point, halves away from zero.
+  Int128 prodotto = static_cast<Int128>(imponibile.Raw()) * aliquota.Raw();
+  const Int128 divisore = static_cast<Int128>(Importo::kScala) * 100;
+  Int128 q = prodotto / divisore, r = prodotto % divisore;
+  if (2 * (r < 0 ? -r : r) >= divisore) q += prodotto < 0 ? -1 : 1;
+  return imposta - Importo::DaRaw(static_cast<int64_t>(q));
+}
+
+int32_t clsPrimaNota::GetMaxRigheVideo(const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  w += T(TipoRigaIvaNormale) == "I" ? " AND [TipoRigaIvaNormale] = 'I'"
+                                    : " AND ([TipoRigaIvaNormale] <> 'I' OR [TipoRigaIvaNormale] IS NULL)";
+  return Lng(cn->Scalare("SELECT MAX([NumRigaAVideo]) FROM [Prima Nota] WHERE " + w, p));
+}
+
+int32_t clsPrimaNota::GetNumeroRecordContabili(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  return Lng(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE " + w + " AND [TipoRigaIvaNormale] <> 'I'", p));
+}
+
+int32_t clsPrimaNota::GetNumeroRecordIva(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  return Lng(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE " + w + " AND [TipoRigaIvaNormale] = 'I'", p));
+}
+
+std::string clsPrimaNota::GetCausaleContabileRegistrazione(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  Valore r = cn->Scalare("SELECT [CodiceCausale] FROM [Prima Nota] WHERE " + w +
+                             " ORDER BY [TipoRigaIvaNormale], [NumRigaAVideo], [DareAvere] LIMIT 1",
+                         p);
+  return r.IsNull() ? std::string() : T(r);
+}
+
+std::string clsPrimaNota::GetDataRegistrazione(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  return DataTesto(cn->Scalare("SELECT [DataRegistrazione] FROM [Prima Nota] WHERE " + w +
+                                   " ORDER BY [TipoRigaIvaNormale], [NumRigaAVideo], [DareAvere] LIMIT 1",
+                               p));
+}
+
+Valore clsPrimaNota::GetDataMinimaRegistrazionePrimaNota(const std::shared_ptr<Connessione>& conn) {
+  std::shared_ptr<Connessione> c = conn ? conn : cn;
+  if (!c) throw ErroreDb(3709, "La connessione non è aperta.");
+  return ComeDataONull(c->Scalare("SELECT MIN([DataRegistrazione]) FROM [Prima Nota]"));
+}
+
+Valore clsPrimaNota::GetDataCompetenzaIVAPropostaAutotrasportatori(const Valore& strDataDocumento,
+                                                                   const Valore& PeriodicitaLiquidazione) {
+  auto d = strDataDocumento.ComeData();
+  Data base = d ? *d : Data::Oggi();
+  std::string per = T(PeriodicitaLiquidazione);
+  if (per.empty() || per == "0") {
+    Data piu2 = base.AggiungiMesi(2);
+    return Valore(Data::Crea(piu2.Anno(), piu2.Mese(), 1)->AggiungiGiorni(-1));
+  }
+  if (per == "1") {
+    int m = base.Mese(), a = base.Anno();
+    if (m <= 3) return Valore(*Data::Crea(a, 6, 30));
+    if (m <= 6) return Valore(*Data::Crea(a, 9, 30));
+    if (m <= 9) return Valore(*Data::Crea(a, 12, 31));
+    return Valore(*Data::Crea(a + 1, 3, 31));
+  }
+  return Valore::Null();
+}
+
+int32_t clsPrimaNota::GetNumeroScadenzeCollegate(const Valore& numeroRegistrazione) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  return Lng(cn->Scalare("SELECT COUNT([KeyScadenze]) FROM [Prima Nota] WHERE " + w, p));
+}
+
+namespace {
+// The VAT rows of one year of competence.
+bool FiltroAnno(std::string& w, Parametri& p, const Valore& anno) {
+  int a = 0;
+  try {
+    a = NullToZeroLng(anno);
+  } catch (const std::exception&) {
+    return false;
+  }
+  auto d1 = Data::Crea(a, 1, 1), d2 = Data::Crea(a, 12, 31);
+  if (!d1 || !d2) return false;
+  w += "[TipoRigaIvaNormale] = 'I' AND [DataCompetenza] >= ? AND [DataCompetenza] <= ?";
+  p.push_back(Valore(*d1));
+  p.push_back(Valore(*d2));
+  return true;
+}
+}  // namespace
+
+std::string clsPrimaNota::GetDataDocumento(const Valore& AnnoCompetenza, const Valore& NumeroDocumento,
+                                           const Valore& SerieDocumento, const Valore& TipoRegistroIva,
+                                           const Valore& NumRegistroIva) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  if (!FiltroAnno(w, p, AnnoCompetenza)) return "";
+  FiltroNumero(w, p, "[NumeroDocumento]", NumeroDocumento);
+  FiltroTesto(w, p, "[SerieDocumento]", SerieDocumento);
+  FiltroTesto(w, p, "[TipoRegistroIva]", TipoRegistroIva);
+  FiltroTesto(w, p, "[NumRegistroIva]", NumRegistroIva);
+  Recordset rs = cn->Execute("SELECT [DataDocumento] FROM [Prima Nota] WHERE " + w + " LIMIT 1", p);
+  return rs.Eof() ? std::string() : DataTesto(rs.Fields(0).Value());
+}
+
+std::string clsPrimaNota::GetDataCompetenzaProtocollo(const Valore& AnnoCompetenza, const Valore& NumeroDiProtocollo,
+                                                      const Valore& TipoRegistroIva, const Valore& NumRegistroIva) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  if (!FiltroAnno(w, p, AnnoCompetenza)) return "";
+  FiltroNumero(w, p, "[NumeroDiProtocollo]", NumeroDiProtocollo);
+  FiltroTesto(w, p, "[TipoRegistroIva]", TipoRegistroIva);
+  FiltroTesto(w, p, "[NumRegistroIva]", NumRegistroIva);
+  Recordset rs = cn->Execute("SELECT [DataCompetenza] FROM [Prima Nota] WHERE " + w + " LIMIT 1", p);
+  return rs.Eof() ? std::string() : DataTesto(rs.Fields(0).Value());
+}
+
+namespace {
+bool CercaDocumento(Connessione& cn, Valore& numeroRegistrazione, const Valore& DataDocumento,
+                    const std::function<void(std::string&, Parametri&)>& estremi, const Valore& indicatoreCliFor,
+                    const Valore& codiceCliFor, const Valore& TipoCausale, const Valore& TipoRegistroIva,
+                    const Valore& NumRegistroIva) {
+  std::string w = "[Prima Nota].[NumeroRegistrazione] <> ? AND [Prima Nota].[TipoRigaIvaNormale] = 'I'";
+  Parametri p{Valore(numeroRegistrazione.IsNull() ? std::string() : numeroRegistrazione.Testo())};
+  FiltroData(w, p, "[Prima Nota].[DataDocumento]", DataDocumento);
+  estremi(w, p);
+  FiltroTesto(w, p, "[Prima Nota].[IndicatoreCliFor]", indicatoreCliFor);
+  FiltroTesto(w, p, "[Prima Nota].[CodiceCliFor]", codiceCliFor);
+  FiltroTesto(w, p, "[Causali Contabili].[TipoCausale]", TipoCausale);
+  FiltroTesto(w, p, "[Causali Contabili].[TipoRegistroIva]", TipoRegistroIva);
+  FiltroTesto(w, p, "[Prima Nota].[NumRegistroIva]", NumRegistroIva);
+  Recordset rs = cn.Execute(
+      "SELECT [Prima Nota].[NumeroRegistrazione] FROM [Prima Nota] LEFT JOIN [Causali Contabili] "
+      "ON [Prima Nota].[CodiceCausale] = [Causali Contabili].[CodiceCausale] WHERE " + w + " LIMIT 1",
+      p);
+  if (rs.Eof()) return false;
+  numeroRegistrazione = Valore(T(rs.Fields(0).Value()));
+  return true;
+}
+}  // namespace
+
+bool clsPrimaNota::ExistsRegistrazioneDocumento(Valore& numeroRegistrazione, const Valore& DataDocumento,
+                                                const Valore& NumeroDocumento, const Valore& SerieDocumento,
+                                                const Valore& indicatoreCliFor, const Valore& codiceCliFor,
+                                                const Valore& TipoCausale, const Valore& TipoRegistroIva,
+                                                const Valore& NumRegistroIva, const std::string& numeroDocumentoEsteso) {
+  AssicuraConnessione();
+  bool trovato = CercaDocumento(
+      *cn, numeroRegistrazione, DataDocumento,
+      [&](std::string& w, Parametri& p) {
+        FiltroNumero(w, p, "[Prima Nota].[NumeroDocumento]", NumeroDocumento);
+        FiltroTesto(w, p, "[Prima Nota].[SerieDocumento]", SerieDocumento);
+      },
+      indicatoreCliFor, codiceCliFor, TipoCausale, TipoRegistroIva, NumRegistroIva);
+  if (trovato) return true;
+  if (!Trim(numeroDocumentoEsteso).empty() && T(indicatoreCliFor) == "F")
+    return ExistsRegistrazioneDocumentoEsteso(numeroRegistrazione, DataDocumento, Valore(numeroDocumentoEsteso),
+                                              indicatoreCliFor, codiceCliFor, TipoCausale, TipoRegistroIva,
+                                              NumRegistroIva);
+  return false;
+}
+
+bool clsPrimaNota::ExistsRegistrazioneDocumentoEsteso(Valore& numeroRegistrazione, const Valore& DataDocumento,
+                                                      const Valore& numeroDocumentoEsteso,
+                                                      const Valore& indicatoreCliFor, const Valore& codiceCliFor,
+                                                      const Valore& TipoCausale, const Valore& TipoRegistroIva,
+                                                      const Valore& NumRegistroIva) {
+  AssicuraConnessione();
+  return CercaDocumento(
+      *cn, numeroRegistrazione, DataDocumento,
+      [&](std::string& w, Parametri& p) {
+        FiltroTesto(w, p, "[Prima Nota].[NumeroDocumentoEsteso]", numeroDocumentoEsteso);
+      },
+      indicatoreCliFor, codiceCliFor, TipoCausale, TipoRegistroIva, NumRegistroIva);
+}
+
+bool clsPrimaNota::GetDatiIVARegistrazione(const Valore& numeroRegistrazione, Valore& indicatoreCliFor,
+                                           Valore& codiceCliFor, Valore& DataRegistrazione, Valore& DataCompetenzaIVA,
+                                           Valore& codiceCausale, Valore& NumRegistroIva, int32_t& NumeroDiProtocollo,
+                                           Valore& DataDocumento, Valore& SerieDocumento, int32_t& NumeroDocumento,
+                                           Valore& Valuta, double& Cambio) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  Recordset rs = cn->Execute("SELECT * FROM [Prima Nota] WHERE " + w +
+                                 " AND [TipoRigaIvaNormale] = 'I' ORDER BY [NumRigaAVideo], [DareAvere] LIMIT 1",
+                             p);
+  if (rs.Eof()) return false;
+  indicatoreCliFor = Leggi(rs, "IndicatoreCliFor", "");
+  codiceCliFor = Leggi(rs, "CodiceCliFor", "");
+  DataRegistrazione = ComeDataONull(rs("DataRegistrazione").Value());
+  DataCompetenzaIVA = ComeDataONull(rs("DataCompetenzaIVA").Value());
+  codiceCausale = Leggi(rs, "CodiceCausale", "");
+  NumRegistroIva = Leggi(rs, "NumRegistroIva", "");
+  NumeroDiProtocollo = Lng(rs("NumeroDiProtocollo").Value());
+  DataDocumento = ComeDataONull(rs("DataDocumento").Value());
+  SerieDocumento = Leggi(rs, "SerieDocumento", "");
+  NumeroDocumento = Lng(rs("NumeroDocumento").Value());
+  Valuta = Leggi(rs, "Valuta", "");
+  Cambio = NullToZeroDbl(rs("Cambio").Value());
+  return true;
+}
+
+bool clsPrimaNota::GetEstremiDocumento(const Valore& numeroRegistrazione, Valore& indicatoreCliFor,
+                                       Valore& codiceCliFor, Valore& DataDocumento, Valore& SerieDocumento,
+                                       Valore& NumeroDocumento) {
+  AssicuraConnessione();
+  std::string w;
+  Parametri p;
+  FiltroTesto(w, p, "[NumeroRegistrazione]", numeroRegistrazione);
+  Recordset rs = cn->Execute("SELECT [IndicatoreCliFor], [CodiceCliFor], [DataDocumento], [SerieDocumento], "
+                             "[NumeroDocumento] FROM [Prima Nota] WHERE " + w +
+                                 " AND [TipoRigaIvaNormale] = 'I' ORDER BY [NumRigaAVideo], [DareAvere] LIMIT 1",
+                             p);
+  if (rs.Eof()) return false;
+  indicatoreCliFor = Leggi(rs, "IndicatoreCliFor", "");
+  codiceCliFor = Leggi(rs, "CodiceCliFor", "");
+  DataDocumento = ComeDataONull(rs("DataDocumento").Value());
+  SerieDocumento = Leggi(rs, "SerieDocumento", "");
+  NumeroDocumento = Leggi(rs, "NumeroDocumento", 0);
+  return true;
+}
+
+}  // namespace vorn

@@ -1,0 +1,206 @@
+// The journal: the rows of `Prima Nota` and the running balances that follow them.
+//
+// clsPrimaNota is the one writer of the journal. Every save and every delete moves the
+// balances of the sub-account (`Saldi Piano Dei Conti`) and of the client or supplier of the
+// row in the same unit of work as the row itself: a save or a delete either lands with its
+// balance movement or leaves nothing behind, also inside the caller's transaction (a savepoint
+// there). So the balances stay a function of the journal, which ledger/VerificaSaldi.h checks.
+//
+// A posting run reads the same causal and the same few sub-accounts over and over: each
+// instance keeps what it has found of them (never what it has not found) until
+// DimenticaCache().
+#pragma once
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "frame/Db.h"
+#include "frame/Valore.h"
+
+namespace vorn {
+
+// The fields of a journal row that move balances, as MovimentaRecordContabile reads them.
+struct MovimentoPrimaNota {
+  Valore CodiceCausale;
+  Valore ContoPrimaNota;
+  Valore IndClienteFornitore;
+  Valore CodClienteFornitore;
+  Valore DareAvere;
+  Valore ImportoMovimento;
+  Valore Cambio;
+  Valore DataCompetenza;
+};
+
+class clsPrimaNota {
+ public:
+  std::shared_ptr<Connessione> cn;
+
+  // ---------------------------------------------------------------- rows
+
+  // Opens the row for update; when found, stamps it with the caller's identity.
+  bool LocalizzaRecord(Recordset& T, const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale,
+                       const Valore& NumRigaAVideo, const Valore& DareAvere, const Valore& clientID, long hWnd);
+
+  // Saves one row: `riga` holds the values by column name (any case). A column left out is
+  // stored empty; NumeroRegistrazione2 and DataRegistrazione2 are accepted and ignored; any
+  // other name that is not a column of the journal is refused with ErroreDb before anything is
+  // written. An existing row first gives back its present effect on the balances, then the new
+  // values move them. DescrizioneSupplem keeps its first 20 characters, DataDocumento is Null
+  // unless a date. Stringa10indicatori keeps positions 1-2 as given, takes position 3 from the
+  // causal's present operativity and keeps positions 4-10 of the stored row (of the given value
+  // on a new row). Never asks: Cancel comes back false.
+  bool SalvaRecord(const RecordValori& riga, const Valore& clientID, long hWnd, bool& Cancel);
+
+  // After the last row of an entry: the document or protocol counter of the register and the
+  // number of the last entry.
+  bool AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazione, const Valore& DataRegistrazione,
+                                    const Valore& TipoRegistroIva, const Valore& NumRegistroIva,
+                                    const Valore& SerieDocumento, const Valore& NumeroDocumento,
+                                    const Valore& DataDocumento, const Valore& NumeroDiProtocollo,
+                                    const Valore& clientID, long hWnd);
+  bool AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistrazionePN, const Valore& clientID, long hWnd);
+  // False when it wrote nothing: a lower number, or a refused prompt about an earlier date.
+  bool AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, const Valore& NumeroRegistro,
+                                     const Valore& SerieDocumento, const Valore& NumeroUltimoDoc,
+                                     const Valore& DataUltimoDoc);
+
+  // Deletes a whole entry with its effect on the balances, all or nothing.
+  bool CancellaRecord(const Valore& numeroRegistrazione);
+  // Deletes the rows of one kind beyond a screen line (compared as text), with their effect.
+  bool CancellaRecordEccedentiRigoReg(const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale,
+                                      const Valore& NumRigaAVideo);
+  // Deletes by number and date range and causal, with the effect; the count of rows.
+  int32_t CancellaPrimaNota(const Valore& NumeroRegistrazione_Iniziale, const Valore& NumeroRegistrazione_Finale,
+                            const Valore& DataRegistrazione_Iniziale, const Valore& DataRegistrazione_Finale,
+                            const Valore& codiceCausale);
+  // Deletes every row; balances stay. False on a database error.
+  bool AzzeraPrimaNota();
+
+  // ---------------------------------------------------------------- printed marks
+
+  bool ManipolaIndicatoriPrimaNota(const Valore& NumeroRegistrazione_Iniziale, const Valore& NumeroRegistrazione_Finale,
+                                   const Valore& DataRegistrazione_Iniziale, const Valore& DataRegistrazione_Finale,
+                                   const Valore& Causale, const Valore& Tipo_Manipolazione,
+                                   const Valore& Valore_Indicatori, const Valore& IndIVAAutotrasportatori = Valore());
+  bool MarcaIndicatoriStampatoRegistriIva(const Valore& daData, const Valore& aData, const Valore& avar_TipoRegistroIva,
+                                          const Valore& avar_NumRegistroIva,
+                                          const Valore& str_IndIVAAutotrasportatori = Valore());
+
+  // ---------------------------------------------------------------- navigation and reading
+
+  bool RecordSuccessivo(Valore& numeroRegistrazione);
+  bool RecordPrecedente(Valore& numeroRegistrazione);
+  std::string GetMaxRegistrazionePrimaNota();
+  int32_t GetNumeroNuovaRegistrazionePrimaNota();
+  bool ExistRegistrazione(const Valore& numeroRegistrazione);
+  // ImpostaIva less ImponibileIva x AliquotaIva / 100, to four decimals.
+  Importo GetDifferenzaIva(const Valore& ImponibileIva, const Valore& ImpostaIva, const Valore& AliquotaIva);
+  int32_t GetMaxRigheVideo(const Valore& numeroRegistrazione, const Valore& TipoRigaIvaNormale);
+  int32_t GetNumeroRecordContabili(const Valore& numeroRegistrazione);
+  int32_t GetNumeroRecordIva(const Valore& numeroRegistrazione);
+  std::string GetCausaleContabileRegistrazione(const Valore& numeroRegistrazione);
+  std::string GetDataRegistrazione(const Valore& numeroRegistrazione);
+  // The lowest DataRegistrazione on the given connection (this class's when null); Null when none.
+  Valore GetDataMinimaRegistrazionePrimaNota(const std::shared_ptr<Connessione>& conn = nullptr);
+  // A road haulier's VAT date: the end of the month (PeriodicitaLiquidazione "" or "0") or of
+  // the quarter ("1") after the document's; Null for another periodicity.
+  Valore GetDataCompetenzaIVAPropostaAutotrasportatori(const Valore& strDataDocumento,
+                                                       const Valore& PeriodicitaLiquidazione);
+  int32_t GetNumeroScadenzeCollegate(const Valore& numeroRegistrazione);
+  std::string GetDataDocumento(const Valore& AnnoCompetenza, const Valore& NumeroDocumento, const Valore& SerieDocumento,
+                               const Valore& TipoRegistroIva, const Valore& NumRegistroIva);
+  std::string GetDataCompetenzaProtocollo(const Valore& AnnoCompetenza, const Valore& NumeroDiProtocollo,
+                                          const Valore& TipoRegistroIva, const Valore& NumRegistroIva);
+  // Another entry of the same VAT document; its number comes back in numeroRegistrazione.
+  bool ExistsRegistrazioneDocumento(Valore& numeroRegistrazione, const Valore& DataDocumento,
+                                    const Valore& NumeroDocumento, const Valore& SerieDocumento,
+                                    const Valore& indicatoreCliFor, const Valore& codiceCliFor,
+                                    const Valore& TipoCausale, const Valore& TipoRegistroIva,
+                                    const Valore& NumRegistroIva, const std::string& numeroDocumentoEsteso = {});
+  bool ExistsRegistrazioneDocumentoEsteso(Valore& numeroRegistrazione, const Valore& DataDocumento,
+                                          const Valore& numeroDocumentoEsteso, const Valore& indicatoreCliFor,
+                                          const Valore& codiceCliFor, const Valore& TipoCausale,
+                                          const Valore& TipoRegistroIva, const Valore& NumRegistroIva);
+  bool GetDatiIVARegistrazione(const Valore& numeroRegistrazione, Valore& indicatoreCliFor, Valore& codiceCliFor,
+                               Valore& DataRegistrazione, Valore& DataCompetenzaIVA, Valore& codiceCausale,
+                               Valore& NumRegistroIva, int32_t& NumeroDiProtocollo, Valore& DataDocumento,
+                               Valore& SerieDocumento, int32_t& NumeroDocumento, Valore& Valuta, double& Cambio);
+  bool GetEstremiDocumento(const Valore& numeroRegistrazione, Valore& indicatoreCliFor, Valore& codiceCliFor,
+                           Valore& DataDocumento, Valore& SerieDocumento, Valore& NumeroDocumento);
+
+  // ---------------------------------------------------------------- lookups of its own
+
+  // The movement settings of a causal; unknown: every output "" and false.
+  bool GetParametriCausaleMovimentazione(const Valore& codiceCausale, Valore& TipoRegistroIva, Valore& TipoCausale,
+                                         Valore& OperativitaPartite, Valore& OperativitaContabile,
+                                         Valore& OperativitaIntra, Valore& IndQuadratura);
+  // True when the chart has the row (an empty part matches an empty or missing one).
+  bool ExistSottoconto(const Valore& CodiceGruppo, const Valore& CodiceConto, const Valore& CodiceSottoconto);
+  // Forgets the causals and sub-accounts found so far.
+  void DimenticaCache();
+
+  // ---------------------------------------------------------------- balance movement
+
+  // Turns a stored row back into a movement (Storno: with the amount negated, same side).
+  void MovimentaRecordContabile(Recordset& T, bool Storno);
+  void MovimentaRecordContabile(const MovimentoPrimaNota& m, bool Storno);
+  // The gate of every movement: nothing without an account or an amount; an unknown causal
+  // or sub-account is told and the movement goes on. Always true.
+  bool MovimentaSaldiContabili(const Valore& codiceCausale, const Valore& ContoPrimaNota,
+                               const Valore& IndClienteFornitore, const Valore& CodClienteFornitore,
+                               const Valore& DareAvere, const Valore& ImportoMovimento, const Valore& Cambio,
+                               const Valore& DataCompetenza);
+  bool MovimentaSaldiSottoconti(const Valore& CodiceGruppo, const Valore& CodiceConto, const Valore& CodiceSottoconto,
+                                const Valore& DareAvere, const Valore& ImportoMovimento,
+                                const Valore& OperativitaContabile);
+  bool MovimentaSaldiClientiFornitori(const Valore& ContoPrimaNota, const Valore& IndClienteFornitore,
+                                      const Valore& codiceCliFor, const Valore& DareAvere,
+                                      const Valore& ImportoMovimento, const Valore& OperativitaContabile);
+
+  // A replay of the whole journal: between IniziaRaccolta and ScaricaRaccolta movements add up
+  // in memory, one entry per balance row touched, and ScaricaRaccolta writes each balance row
+  // once. IniziaRaccolta reads every causal and the chart beforehand, so that no statement runs
+  // while the journal is being streamed. AnnullaRaccolta drops what was gathered.
+  void IniziaRaccolta();
+  void ScaricaRaccolta();
+  void AnnullaRaccolta();
+  bool InRaccolta() const { return raccolta_.has_value(); }
+
+ private:
+  struct Delta {
+    Importo iniziale, dare, avere;
+    bool tocca[3] = {false, false, false};
+  };
+  struct ChiaveSaldo {
+    char tipo;  // 'S' sub-account, 'C' client, 'F' supplier
+    std::string a, b, c;
+    bool operator<(const ChiaveSaldo& o) const {
+      return std::tie(tipo, a, b, c) < std::tie(o.tipo, o.a, o.b, o.c);
+    }
+  };
+
+  // The causal's operativity as the movement reads it; nullopt when the causal is unknown.
+  std::optional<std::string> OperativitaCausale(const std::string& codice);
+  bool EsisteSottocontoCache(const std::string& g, const std::string& c, const std::string& s);
+  static Delta CalcolaDelta(const std::string& operativita, const std::string& dareAvere, Importo importo);
+  void ScriviSaldoSottoconto(const std::string& g, const std::string& c, const std::string& s, const Delta& d);
+  void ScriviSaldoCliFor(char tipo, const std::string& codice, const Delta& d);
+  bool ChiaveUpsert(const std::string& tabella, const std::vector<std::string>& colonne);
+  // Rows selected by `where`: their effect off the balances, then one DELETE. The count.
+  int64_t StornaECancella(const std::string& where, const Parametri& p);
+  void AssicuraConnessione() const;
+
+  std::unordered_map<std::string, std::string> causali_;  // code -> operativity, found ones
+  std::unordered_set<std::string> sottoconti_;            // found chart rows
+  bool causaliComplete_ = false, pianoCompleto_ = false;  // everything read (replay)
+  std::optional<std::map<ChiaveSaldo, Delta>> raccolta_;
+  std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
+};
+
+}  // namespace vorn
