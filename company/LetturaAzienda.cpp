@@ -41,6 +41,28 @@ Recordset ApriRigaUnica(Connessione& cn, const std::string& tabella) {
   return cn.Execute("SELECT [" + tabella + "].* FROM [" + tabella + "] LIMIT 1;");
 }
 
+Recordset LeggiProtetto(Connessione& cn, const std::string& sql) {
+  if (!cn.InTransazione()) return cn.Execute(sql);
+  Atomico a(cn);
+  Recordset rs = cn.Execute(sql);
+  a.Conferma();
+  return rs;
+}
+
+void ScriviRiga(Connessione& cn, const std::string& tabella, const std::string& where, const Parametri& p,
+                const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna,
+                const std::function<void(Recordset&)>& nuova) {
+  Recordset rs = cn.Apri(tabella, where, p);
+  if (rs.Eof()) {
+    rs.AddNew();
+    if (nuova) nuova(rs);
+  }
+  assegna(rs);
+  MarcaRecord(rs, clientID, hWnd);
+  rs.Update();
+  rs.Close();
+}
+
 bool SalvaRigaUnica(Connessione& cn, const std::string& tabella, const std::vector<std::string>& colonne,
                     const std::map<std::string, Valore>& valori, const Valore& clientID, long hWnd, bool& Cancel) {
   auto daScrivere = ColonneDaScrivere(valori, colonne, [&](const std::string& nome) {

@@ -1,6 +1,7 @@
-// Reading and writing the company's one-row tables: shared by the parameter and profile
-// classes of this folder.
+// Reading and writing the company's tables of settings and counters: shared by the parameter,
+// profile, progressive and numbering classes of this folder.
 #pragma once
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -21,6 +22,17 @@ std::string PrimiCaratteri(const std::string& s, size_t n);
 
 // The first row of a one-row table, read-only ("SELECT * FROM [T] LIMIT 1").
 Recordset ApriRigaUnica(Connessione& cn, const std::string& tabella);
+
+// A read on a connection that may be inside the caller's transaction: there the statement runs
+// in a savepoint of its own, so that a refused statement does not spoil the caller's work.
+Recordset LeggiProtetto(Connessione& cn, const std::string& sql);
+
+// Writes without asking the row that `where` selects (the table's first row when `where` is
+// empty): a missing row is added and given its first values by `nuova`; then `assegna` fills
+// the fields, the row is stamped with its writer and updated.
+void ScriviRiga(Connessione& cn, const std::string& tabella, const std::string& where, const Parametri& p,
+                const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna,
+                const std::function<void(Recordset&)>& nuova = {});
 
 // Saves the values of `valori` whose names are among `colonne` (matched without regard to
 // case, written under the column's own spelling) into the first row of a one-row table, adding

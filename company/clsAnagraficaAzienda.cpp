@@ -50,16 +50,6 @@ std::string Testo(Recordset& rs, const char* colonna, const char* predefinito = 
   return LeggiCampoAz(rs, colonna, Valore(predefinito)).Testo();
 }
 
-// Reads the company's name on a connection that may be inside the caller's transaction: a
-// failed statement must not spoil it.
-Recordset LeggiProtetto(Connessione& cn, const std::string& sql) {
-  if (!cn.InTransazione()) return cn.Execute(sql);
-  Atomico a(cn);
-  Recordset rs = cn.Execute(sql);
-  a.Conferma();
-  return rs;
-}
-
 }  // namespace
 
 bool clsAnagraficaAzienda::LocalizzaRecord(Recordset& T, const Valore& clientID, long hWnd) {

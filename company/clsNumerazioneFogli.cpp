@@ -149,23 +149,20 @@ bool clsNumerazioneFogli::SalvaUltimoNumero(const Valore& TipoStampa, const Valo
   if (Trim(TipoStampa.Testo()).empty()) return false;
   Chiave k{TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie};
   FiltroChiave f = k.Filtro();
-  Recordset rs = cn->Apri(kTabella, f.Where(), f.Valori());
-  if (rs.Eof()) {
-    Valore azienda, partitaIva, tipoSede, indirizzo;
-    GetDatiFiscaliProposti(azienda, partitaIva, tipoSede, indirizzo);
-    rs.AddNew();
-    k.Scrivi(rs);
-    rs("Descrizione") = GetDescrizioneRegistroProposta(TipoStampa, TipoRegistro);
-    rs("Azienda") = azienda;
-    rs("PartitaIVA") = partitaIva;
-    rs("IndSede") = tipoSede;
-    rs("Indirizzo") = indirizzo;
-    rs("IndZero") = Valore("0");
-  }
-  rs("Numero") = Numero;
-  MarcaRecord(rs, clientID, hWnd);
-  rs.Update();
-  rs.Close();
+  ScriviRiga(
+      *cn, kTabella, f.Where(), f.Valori(), clientID, hWnd, [&](Recordset& rs) { rs("Numero") = Numero; },
+      [&](Recordset& rs) {
+        // A new sheet numbering starts from the proposed heading.
+        Valore azienda, partitaIva, tipoSede, indirizzo;
+        GetDatiFiscaliProposti(azienda, partitaIva, tipoSede, indirizzo);
+        k.Scrivi(rs);
+        rs("Descrizione") = GetDescrizioneRegistroProposta(TipoStampa, TipoRegistro);
+        rs("Azienda") = azienda;
+        rs("PartitaIVA") = partitaIva;
+        rs("IndSede") = tipoSede;
+        rs("Indirizzo") = indirizzo;
+        rs("IndZero") = Valore("0");
+      });
   return true;
 }
 

@@ -30,15 +30,7 @@ int32_t PiuUno(const Valore& stored) {
 
 // The reading of a counter of [Progressivi Scadenze]: 1 without the row.
 int32_t ProgressivoPartite(Connessione& cn, const std::string& sql) {
-  Recordset rs;
-  if (cn.InTransazione()) {
-    // A refused statement would spoil the caller's transaction on PostgreSQL.
-    Atomico a(cn);
-    rs = cn.Execute(sql);
-    a.Conferma();
-  } else {
-    rs = cn.Execute(sql);
-  }
+  Recordset rs = LeggiProtetto(cn, sql);
   if (rs.Eof()) return 1;
   return PiuUno(LeggiCampoAz(rs, "ProgressivoPartite", Valore(0)));
 }
@@ -46,12 +38,8 @@ int32_t ProgressivoPartite(Connessione& cn, const std::string& sql) {
 // The counters' old update: it assigns the text of an expression instead of its value, which
 // the numeric column refuses before anything is written.
 bool AggiornaPartiteComeSempre(Connessione& cn, const char* indicatore, const Valore& clientID, long hWnd) {
-  Recordset rs = cn.Apri(kScadenze, "[Progressivi Scadenze].IndicatoreFisso = ?", {Valore(indicatore)});
-  if (rs.Eof()) rs.AddNew();
-  rs("ProgressivoPartite") = Valore(" & ProgressivoPartite");
-  MarcaRecord(rs, clientID, hWnd);
-  rs.Update();
-  rs.Close();
+  ScriviRiga(cn, kScadenze, "[Progressivi Scadenze].IndicatoreFisso = ?", {Valore(indicatore)}, clientID, hWnd,
+             [](Recordset& rs) { rs("ProgressivoPartite") = Valore(" & ProgressivoPartite"); });
   return true;
 }
 
@@ -79,12 +67,7 @@ bool clsProgAzienda::SalvaRecord(const RecordValori& valori, const Valore& clien
 }
 
 bool clsProgAzienda::AggiornaRiga(const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna) {
-  Recordset rs = cn->Apri(kProgressivi);
-  if (rs.Eof()) rs.AddNew();
-  assegna(rs);
-  MarcaRecord(rs, clientID, hWnd);
-  rs.Update();
-  rs.Close();
+  ScriviRiga(*cn, kProgressivi, {}, {}, clientID, hWnd, assegna);
   return true;
 }
 

@@ -1,5 +1,6 @@
 #include "company/clsProgrNumerazione.h"
 
+#include "company/LetturaAzienda.h"
 #include "company/PresaNumero.h"
 #include "frame/Comuni.h"
 #include "frame/VornServer.h"
@@ -137,16 +138,13 @@ bool clsProgrNumerazione::SalvaNumeroUltimoDocBollato(const Valore& TipoRegistro
                                                       long hWnd) {
   Chiave k = ChiaveContabile(TipoRegistro, NumeroRegistro, SerieDocumento);
   FiltroChiave f = k.Filtro();
-  Recordset rs = cn->Apri(kTabella, f.Where(), f.Valori());
-  if (rs.Eof()) {
-    rs.AddNew();
-    k.Scrivi(rs);
-    rs("NumeroUltimoDoc") = NumeroUltimoDocBollato;
-  }
-  rs("NumeroUltimoDocBollato") = NumeroUltimoDocBollato;
-  MarcaRecord(rs, clientID, hWnd);
-  rs.Update();
-  rs.Close();
+  azienda::ScriviRiga(
+      *cn, kTabella, f.Where(), f.Valori(), clientID, hWnd,
+      [&](Recordset& rs) { rs("NumeroUltimoDocBollato") = NumeroUltimoDocBollato; },
+      [&](Recordset& rs) {
+        k.Scrivi(rs);
+        rs("NumeroUltimoDoc") = NumeroUltimoDocBollato;
+      });
   return true;
 }
 
