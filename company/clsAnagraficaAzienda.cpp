@@ -1,5 +1,6 @@
 #include "company/clsAnagraficaAzienda.h"
 
+#include <functional>
 #include <utility>
 
 #include "company/LetturaAzienda.h"
@@ -48,6 +49,21 @@ const std::vector<std::pair<std::string, std::string>>& ColonneArgomenti() {
 
 std::string Testo(Recordset& rs, const char* colonna, const char* predefinito = "") {
   return LeggiCampoAz(rs, colonna, Valore(predefinito)).Testo();
+}
+
+// Text outputs and the columns they come from.
+using UsciteTesto = std::vector<std::pair<std::string*, const char*>>;
+
+// Clears the outputs, then fills them from the row of a one-row table; `altre`, when passed,
+// reads the further columns of the row found. False when the table has no row.
+bool LeggiTesti(Connessione& cn, const char* tabella, const UsciteTesto& uscite,
+                const std::function<void(Recordset&)>& altre = {}) {
+  for (auto& [u, c] : uscite) u->clear();
+  auto rs = ApriRigaUnica(cn, tabella);
+  if (rs.Eof()) return false;
+  for (auto& [u, c] : uscite) *u = Testo(rs, c);
+  if (altre) altre(rs);
+  return true;
 }
 
 }  // namespace
@@ -128,18 +144,18 @@ bool clsAnagraficaAzienda::GetDatiFiscaliAzienda(std::string& Ragione_Sociale, s
                                                  std::string& CAP_DomicilioFiscale, std::string& Localita_Domicilio,
                                                  std::string& Provincia_Domicilio, std::string& Codice_Fiscale,
                                                  std::string& Partita_IVA) {
-  std::pair<std::string*, const char*> uscite[] = {
-      {&Ragione_Sociale, "Ragione Sociale"},   {&Indirizzo_esercizio, "Indirizzo esercizio"},
-      {&CAP_Ubicazione_Eserc, "CAP esercizio"}, {&Localita_Esercizio, "Citta esercizio"},
-      {&Provincia_esercizio, "Provincia esercizio"}, {&Indirizzo_Domicilio, "Indirizzo"},
-      {&CAP_DomicilioFiscale, "Cap"},          {&Localita_Domicilio, "Citta"},
-      {&Provincia_Domicilio, "Provincia"},     {&Codice_Fiscale, "Codice Fiscale"},
-      {&Partita_IVA, "Partita Iva"}};
-  for (auto& [u, c] : uscite) u->clear();
-  auto rs = ApriRigaUnica(*cn, kTabellaAzienda);
-  if (rs.Eof()) return false;
-  for (auto& [u, c] : uscite) *u = Testo(rs, c);
-  return true;
+  return LeggiTesti(*cn, kTabellaAzienda,
+                    {{&Ragione_Sociale, "Ragione Sociale"},
+                     {&Indirizzo_esercizio, "Indirizzo esercizio"},
+                     {&CAP_Ubicazione_Eserc, "CAP esercizio"},
+                     {&Localita_Esercizio, "Citta esercizio"},
+                     {&Provincia_esercizio, "Provincia esercizio"},
+                     {&Indirizzo_Domicilio, "Indirizzo"},
+                     {&CAP_DomicilioFiscale, "Cap"},
+                     {&Localita_Domicilio, "Citta"},
+                     {&Provincia_Domicilio, "Provincia"},
+                     {&Codice_Fiscale, "Codice Fiscale"},
+                     {&Partita_IVA, "Partita Iva"}});
 }
 
 bool clsAnagraficaAzienda::GetDatiFiscaliNumerazioneFogli(
@@ -147,26 +163,21 @@ bool clsAnagraficaAzienda::GetDatiFiscaliNumerazioneFogli(
     std::string& Localita_Domicilio, std::string& Provincia_Domicilio, std::string& Codice_Fiscale,
     std::string& Partita_IVA, std::string& IndPersonaFisica, std::string& IndirizzoSedeLegale,
     std::string& CapSedeLegale, std::string& LocalitaSedeLegale, std::string& ProvinciaSedeLegale) {
-  std::pair<std::string*, const char*> azienda[] = {
-      {&Ragione_Sociale, "Ragione Sociale"}, {&Indirizzo_Domicilio, "Indirizzo"}, {&CAP_DomicilioFiscale, "Cap"},
-      {&Localita_Domicilio, "Citta"},        {&Provincia_Domicilio, "Provincia"}, {&Codice_Fiscale, "Codice Fiscale"},
-      {&Partita_IVA, "Partita Iva"}};
-  std::pair<std::string*, const char*> vorn[] = {{&IndirizzoSedeLegale, "IndirizzoSedeLegale"},
-                                                 {&CapSedeLegale, "CapSedeLegale"},
-                                                 {&LocalitaSedeLegale, "LocalitaSedeLegale"},
-                                                 {&ProvinciaSedeLegale, "ProvinciaSedeLegale"}};
-  for (auto& [u, c] : azienda) u->clear();
-  for (auto& [u, c] : vorn) u->clear();
   IndPersonaFisica = "0";
-  auto rv = ApriRigaUnica(*cn, kTabellaAziendaVorn);
-  if (!rv.Eof()) {
-    IndPersonaFisica = Testo(rv, "IndPersonaFisica", "0");
-    for (auto& [u, c] : vorn) *u = Testo(rv, c);
-  }
-  auto rs = ApriRigaUnica(*cn, kTabellaAzienda);
-  if (rs.Eof()) return false;
-  for (auto& [u, c] : azienda) *u = Testo(rs, c);
-  return true;
+  LeggiTesti(*cn, kTabellaAziendaVorn,
+             {{&IndirizzoSedeLegale, "IndirizzoSedeLegale"},
+              {&CapSedeLegale, "CapSedeLegale"},
+              {&LocalitaSedeLegale, "LocalitaSedeLegale"},
+              {&ProvinciaSedeLegale, "ProvinciaSedeLegale"}},
+             [&](Recordset& rv) { IndPersonaFisica = Testo(rv, "IndPersonaFisica", "0"); });
+  return LeggiTesti(*cn, kTabellaAzienda,
+                    {{&Ragione_Sociale, "Ragione Sociale"},
+                     {&Indirizzo_Domicilio, "Indirizzo"},
+                     {&CAP_DomicilioFiscale, "Cap"},
+                     {&Localita_Domicilio, "Citta"},
+                     {&Provincia_Domicilio, "Provincia"},
+                     {&Codice_Fiscale, "Codice Fiscale"},
+                     {&Partita_IVA, "Partita Iva"}});
 }
 
 bool clsAnagraficaAzienda::GetDatiFiscaliAllegatiCliFor(
@@ -174,34 +185,28 @@ bool clsAnagraficaAzienda::GetDatiFiscaliAllegatiCliFor(
     std::string& Nome, std::string& Cognome, std::string& Sesso, Valore& DataNascita, std::string& LuogoDiNascita,
     std::string& ProvinciaDiNascita, std::string& LocalitaSedeLegale, std::string& ProvinciaSedeLegale,
     std::string& Telefono, std::string& Fax) {
-  std::pair<std::string*, const char*> azienda[] = {{&Codice_Fiscale, "Codice Fiscale"},
-                                                    {&Partita_IVA, "Partita Iva"},
-                                                    {&Ragione_Sociale, "Ragione Sociale"},
-                                                    {&Telefono, "Telefono"},
-                                                    {&Fax, "Fax"}};
-  std::pair<std::string*, const char*> vorn[] = {{&Nome, "Nome"},
-                                                 {&Cognome, "Cognome"},
-                                                 {&LuogoDiNascita, "LuogoDiNascita"},
-                                                 {&ProvinciaDiNascita, "ProvinciaDiNascita"},
-                                                 {&LocalitaSedeLegale, "LocalitaSedeLegale"},
-                                                 {&ProvinciaSedeLegale, "ProvinciaSedeLegale"}};
-  for (auto& [u, c] : azienda) u->clear();
-  for (auto& [u, c] : vorn) u->clear();
   IndPersonaFisica = "0";
   std::string sesso = "1";
   DataNascita = Valore();
-  auto rv = ApriRigaUnica(*cn, kTabellaAziendaVorn);
-  if (!rv.Eof()) {
-    IndPersonaFisica = Testo(rv, "IndPersonaFisica", "0");
-    sesso = Testo(rv, "Sesso", "1");
-    DataNascita = LeggiCampoAz(rv, "DataDiNascita", Valore());
-    for (auto& [u, c] : vorn) *u = Testo(rv, c);
-  }
+  LeggiTesti(*cn, kTabellaAziendaVorn,
+             {{&Nome, "Nome"},
+              {&Cognome, "Cognome"},
+              {&LuogoDiNascita, "LuogoDiNascita"},
+              {&ProvinciaDiNascita, "ProvinciaDiNascita"},
+              {&LocalitaSedeLegale, "LocalitaSedeLegale"},
+              {&ProvinciaSedeLegale, "ProvinciaSedeLegale"}},
+             [&](Recordset& rv) {
+               IndPersonaFisica = Testo(rv, "IndPersonaFisica", "0");
+               sesso = Testo(rv, "Sesso", "1");
+               DataNascita = LeggiCampoAz(rv, "DataDiNascita", Valore());
+             });
   Sesso = sesso == "0" ? "F" : "M";
-  auto rs = ApriRigaUnica(*cn, kTabellaAzienda);
-  if (rs.Eof()) return false;
-  for (auto& [u, c] : azienda) *u = Testo(rs, c);
-  return true;
+  return LeggiTesti(*cn, kTabellaAzienda,
+                    {{&Codice_Fiscale, "Codice Fiscale"},
+                     {&Partita_IVA, "Partita Iva"},
+                     {&Ragione_Sociale, "Ragione Sociale"},
+                     {&Telefono, "Telefono"},
+                     {&Fax, "Fax"}});
 }
 
 bool clsAnagraficaAzienda::IsPersonaFisica() {
@@ -217,27 +222,25 @@ bool clsAnagraficaAzienda::GetDatiAzienda(std::string& Ragione_Sociale, std::str
                                           std::string& Codice_Fiscale, std::string& Telefono, std::string& Fax,
                                           double& Capitale_Sociale, std::string& Email_Azienda,
                                           std::string& Web_Azienda) {
-  std::pair<std::string*, const char*> uscite[] = {{&Ragione_Sociale, "Ragione Sociale"},
-                                                   {&Partita_IVA, "Partita Iva"},
-                                                   {&Indirizzo, "Indirizzo"},
-                                                   {&Citta, "Citta"},
-                                                   {&Provincia, "Provincia"},
-                                                   {&Cap, "Cap"},
-                                                   {&Codice_Nazione, "Codice Nazione"},
-                                                   {&Iscrizione_Tribunale, "Iscrizione Tribunale"},
-                                                   {&Iscrizione_CCIAA_riforma, "Iscrizione CCIAA riforma"},
-                                                   {&Codice_Fiscale, "Codice Fiscale"},
-                                                   {&Telefono, "Telefono"},
-                                                   {&Fax, "Fax"},
-                                                   {&Email_Azienda, "E-mail"},
-                                                   {&Web_Azienda, "Sito Web"}};
-  for (auto& [u, c] : uscite) u->clear();
   Capitale_Sociale = 0;
-  auto rs = ApriRigaUnica(*cn, kTabellaAzienda);
-  if (rs.Eof()) return false;
-  for (auto& [u, c] : uscite) *u = Testo(rs, c);
-  Capitale_Sociale = DoubleDi(LeggiCampoAz(rs, "Capitale Sociale", Valore(0.0)));
-  return true;
+  return LeggiTesti(*cn, kTabellaAzienda,
+                    {{&Ragione_Sociale, "Ragione Sociale"},
+                     {&Partita_IVA, "Partita Iva"},
+                     {&Indirizzo, "Indirizzo"},
+                     {&Citta, "Citta"},
+                     {&Provincia, "Provincia"},
+                     {&Cap, "Cap"},
+                     {&Codice_Nazione, "Codice Nazione"},
+                     {&Iscrizione_Tribunale, "Iscrizione Tribunale"},
+                     {&Iscrizione_CCIAA_riforma, "Iscrizione CCIAA riforma"},
+                     {&Codice_Fiscale, "Codice Fiscale"},
+                     {&Telefono, "Telefono"},
+                     {&Fax, "Fax"},
+                     {&Email_Azienda, "E-mail"},
+                     {&Web_Azienda, "Sito Web"}},
+                    [&](Recordset& rs) {
+                      Capitale_Sociale = DoubleDi(LeggiCampoAz(rs, "Capitale Sociale", Valore(0.0)));
+                    });
 }
 
 bool clsAnagraficaAzienda::GetDatiPersonaFisicaAzienda(std::string& IndPersonaFisica, std::string& Nome,
@@ -246,41 +249,35 @@ bool clsAnagraficaAzienda::GetDatiPersonaFisicaAzienda(std::string& IndPersonaFi
                                                        std::string& ProvinciaDiNascita) {
   IndPersonaFisica = "0";
   Sesso = "1";
-  Nome.clear();
-  Cognome.clear();
-  LuogoDiNascita.clear();
-  ProvinciaDiNascita.clear();
   DataDiNascita = Valore();
-  auto rs = ApriRigaUnica(*cn, kTabellaAziendaVorn);
-  if (rs.Eof()) return false;
-  IndPersonaFisica = Testo(rs, "IndPersonaFisica", "0");
-  Nome = Testo(rs, "Nome");
-  Cognome = Testo(rs, "Cognome");
-  DataDiNascita = LeggiCampoAz(rs, "DataDiNascita", Valore());
-  Sesso = Testo(rs, "Sesso", "1");
-  LuogoDiNascita = Testo(rs, "LuogoDiNascita");
-  ProvinciaDiNascita = Testo(rs, "ProvinciaDiNascita");
-  return true;
+  return LeggiTesti(*cn, kTabellaAziendaVorn,
+                    {{&Nome, "Nome"},
+                     {&Cognome, "Cognome"},
+                     {&LuogoDiNascita, "LuogoDiNascita"},
+                     {&ProvinciaDiNascita, "ProvinciaDiNascita"}},
+                    [&](Recordset& rs) {
+                      IndPersonaFisica = Testo(rs, "IndPersonaFisica", "0");
+                      DataDiNascita = LeggiCampoAz(rs, "DataDiNascita", Valore());
+                      Sesso = Testo(rs, "Sesso", "1");
+                    });
 }
 
 bool clsAnagraficaAzienda::GetDatiREAAzienda(bool& ObbligoIscrizioneREA, std::string& ProvinciaREA,
                                              std::string& NumeroIscrizioneREA, bool& SocioUnico,
                                              std::string& RegimeFiscaleFattPA, std::string& StatoSocieta,
                                              std::string& NaturaGiuridica, std::string& SituazioneSocieta) {
-  std::pair<std::string*, const char*> uscite[] = {{&ProvinciaREA, "ProvinciaREA"},
-                                                   {&NumeroIscrizioneREA, "NumeroIscrizioneREA"},
-                                                   {&RegimeFiscaleFattPA, "RegimeFiscaleFattPA"},
-                                                   {&StatoSocieta, "StatoSocieta"},
-                                                   {&NaturaGiuridica, "NaturaGiuridica"},
-                                                   {&SituazioneSocieta, "SituazioneSocieta"}};
-  for (auto& [u, c] : uscite) u->clear();
   ObbligoIscrizioneREA = SocioUnico = false;
-  auto rs = ApriRigaUnica(*cn, kTabellaAziendaVorn);
-  if (rs.Eof()) return false;
-  for (auto& [u, c] : uscite) *u = Testo(rs, c);
-  ObbligoIscrizioneREA = LeggiCampoAz(rs, "ObbligoIscrizioneREA", Valore(false)).Vero();
-  SocioUnico = LeggiCampoAz(rs, "SocioUnico", Valore(false)).Vero();
-  return true;
+  return LeggiTesti(*cn, kTabellaAziendaVorn,
+                    {{&ProvinciaREA, "ProvinciaREA"},
+                     {&NumeroIscrizioneREA, "NumeroIscrizioneREA"},
+                     {&RegimeFiscaleFattPA, "RegimeFiscaleFattPA"},
+                     {&StatoSocieta, "StatoSocieta"},
+                     {&NaturaGiuridica, "NaturaGiuridica"},
+                     {&SituazioneSocieta, "SituazioneSocieta"}},
+                    [&](Recordset& rs) {
+                      ObbligoIscrizioneREA = LeggiCampoAz(rs, "ObbligoIscrizioneREA", Valore(false)).Vero();
+                      SocioUnico = LeggiCampoAz(rs, "SocioUnico", Valore(false)).Vero();
+                    });
 }
 
 }  // namespace vorn
