@@ -74,6 +74,32 @@ std::string FiltroChiave::Where() const {
   return s.empty() ? s : "(" + s + ")";
 }
 
+ChiaveComposta& ChiaveComposta::Testo(const std::string& colonna, const Valore& valore) {
+  parti_.emplace_back(colonna, valore);
+  numeriche_.push_back(false);
+  return *this;
+}
+
+ChiaveComposta& ChiaveComposta::Numero(const std::string& colonna, const Valore& valore) {
+  parti_.emplace_back(colonna, valore);
+  numeriche_.push_back(true);
+  return *this;
+}
+
+FiltroChiave ChiaveComposta::Filtro() const {
+  FiltroChiave f;
+  for (size_t i = 0; i < parti_.size(); ++i) {
+    std::string colonna = "[" + tabella_ + "].[" + parti_[i].first + "]";
+    if (numeriche_[i]) f.Numero(colonna, parti_[i].second);
+    else f.Testo(colonna, parti_[i].second);
+  }
+  return f;
+}
+
+void ChiaveComposta::Scrivi(Recordset& rs) const {
+  for (const auto& [colonna, valore] : parti_) rs(colonna) = valore;
+}
+
 int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
   Atomico transazione(cn);
   Recordset rs = LeggiContatore(cn, c);

@@ -36,6 +36,25 @@ class FiltroChiave {
   Parametri valori_;
 };
 
+// The key of a row of a counter table, part by part: the filter that finds the row, the parts
+// written into a row being added, and the parts as the columns of a counter's new row.
+class ChiaveComposta {
+ public:
+  explicit ChiaveComposta(std::string tabella) : tabella_(std::move(tabella)) {}
+  // A part on column `colonna` (bare name), compared as FiltroChiave::Testo / ::Numero.
+  ChiaveComposta& Testo(const std::string& colonna, const Valore& valore);
+  ChiaveComposta& Numero(const std::string& colonna, const Valore& valore);
+  FiltroChiave Filtro() const;
+  // Every part into its column of the current row.
+  void Scrivi(Recordset& rs) const;
+  const std::vector<std::pair<std::string, Valore>>& Colonne() const { return parti_; }
+
+ private:
+  std::string tabella_;
+  std::vector<std::pair<std::string, Valore>> parti_;
+  std::vector<bool> numeriche_;
+};
+
 // A counter: the row that holds it, and how to make it when it is missing.
 struct Contatore {
   std::string tabella;

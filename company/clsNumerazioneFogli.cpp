@@ -13,26 +13,16 @@ namespace {
 
 constexpr const char* kTabella = "Numerazione Fogli";
 
-struct Chiave {
-  Valore TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie;
-
-  FiltroChiave Filtro() const {
-    FiltroChiave f;
-    f.Testo("[Numerazione Fogli].[TipoStampa]", TipoStampa)
-        .Testo("[Numerazione Fogli].[TipoRegistro]", TipoRegistro)
-        .Testo("[Numerazione Fogli].[NumeroRegistro]", NumeroRegistro)
-        .Numero("[Numerazione Fogli].[Anno]", anno)
-        .Testo("[Numerazione Fogli].[Serie]", Serie);
-    return f;
-  }
-  void Scrivi(Recordset& rs) const {
-    rs("TipoStampa") = TipoStampa;
-    rs("TipoRegistro") = TipoRegistro;
-    rs("NumeroRegistro") = NumeroRegistro;
-    rs("Anno") = anno;
-    rs("Serie") = Serie;
-  }
-};
+ChiaveComposta Chiave(const Valore& TipoStampa, const Valore& TipoRegistro, const Valore& NumeroRegistro,
+                  const Valore& anno, const Valore& Serie) {
+  ChiaveComposta k(kTabella);
+  k.Testo("TipoStampa", TipoStampa)
+      .Testo("TipoRegistro", TipoRegistro)
+      .Testo("NumeroRegistro", NumeroRegistro)
+      .Numero("Anno", anno)
+      .Testo("Serie", Serie);
+  return k;
+}
 
 // The parts of an address, trimmed, joined by one blank; empty parts leave no gap.
 std::string UnisciIndirizzo(std::initializer_list<std::string> parti) {
@@ -51,7 +41,7 @@ std::string UnisciIndirizzo(std::initializer_list<std::string> parti) {
 bool clsNumerazioneFogli::LocalizzaRecord(Recordset& T, const Valore& TipoStampa, const Valore& TipoRegistro,
                                           const Valore& NumeroRegistro, const Valore& anno, const Valore& Serie,
                                           const Valore& clientID, long hWnd) {
-  FiltroChiave f = Chiave{TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie}.Filtro();
+  FiltroChiave f = Chiave(TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie).Filtro();
   return LocalizzaRecordProtocollo(*cn, T, kTabella, f.Where(), f.Valori(), clientID, hWnd);
 }
 
@@ -61,7 +51,7 @@ bool clsNumerazioneFogli::SalvaRecord(const Valore& TipoStampa, const Valore& Ti
                                       const Valore& Descrizione, const Valore& IndSede, const Valore& IndZero,
                                       const Valore& Indirizzo, const Valore& IndStampaAnno, const Valore& clientID,
                                       long hWnd, bool& Cancel) {
-  Chiave k{TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie};
+  ChiaveComposta k = Chiave(TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie);
   FiltroChiave f = k.Filtro();
   return SalvaRecordProtocollo(*cn, kTabella, f.Where(), f.Valori(), clientID, hWnd, Cancel,
                                [&](Recordset& rs, bool) {
@@ -79,7 +69,7 @@ bool clsNumerazioneFogli::SalvaRecord(const Valore& TipoStampa, const Valore& Ti
 
 bool clsNumerazioneFogli::CancellaRecord(const Valore& TipoStampa, const Valore& TipoRegistro,
                                          const Valore& NumeroRegistro, const Valore& anno, const Valore& Serie) {
-  FiltroChiave f = Chiave{TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie}.Filtro();
+  FiltroChiave f = Chiave(TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie).Filtro();
   cn->Esegui("DELETE FROM [Numerazione Fogli] WHERE " + f.Where(), f.Valori());
   return true;
 }
@@ -147,7 +137,7 @@ bool clsNumerazioneFogli::SalvaUltimoNumero(const Valore& TipoStampa, const Valo
                                             const Valore& NumeroRegistro, const Valore& anno, const Valore& Serie,
                                             const Valore& Numero, const Valore& clientID, long hWnd) {
   if (Trim(TipoStampa.Testo()).empty()) return false;
-  Chiave k{TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie};
+  ChiaveComposta k = Chiave(TipoStampa, TipoRegistro, NumeroRegistro, anno, Serie);
   FiltroChiave f = k.Filtro();
   ScriviRiga(
       *cn, kTabella, f.Where(), f.Valori(), clientID, hWnd, [&](Recordset& rs) { rs("Numero") = Numero; },

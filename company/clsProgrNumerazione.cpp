@@ -13,56 +13,42 @@ constexpr const char* kTabella = "Progressivi Numerazione Vorn";
 const Valore kProtocollo("2");
 const Valore kDepositoContabile("000");
 
-struct Chiave {
-  Valore TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento;
-
-  FiltroChiave Filtro() const {
-    FiltroChiave f;
-    f.Testo("[Progressivi Numerazione Vorn].[TipoRegistro]", TipoRegistro)
-        .Testo("[Progressivi Numerazione Vorn].[IndOrdiniImpegni]", IndOrdiniImpegni)
-        .Testo("[Progressivi Numerazione Vorn].[NumeroRegistro]", NumeroRegistro)
-        .Testo("[Progressivi Numerazione Vorn].[Deposito]", Deposito)
-        .Testo("[Progressivi Numerazione Vorn].[SerieDocumento]", SerieDocumento);
-    return f;
-  }
-  void Scrivi(Recordset& rs) const {
-    rs("TipoRegistro") = TipoRegistro;
-    rs("IndOrdiniImpegni") = IndOrdiniImpegni;
-    rs("NumeroRegistro") = NumeroRegistro;
-    rs("Deposito") = Deposito;
-    rs("SerieDocumento") = SerieDocumento;
-  }
-};
-
-// A register of the ledger: no orders indicator, depot "000".
-Chiave ChiaveContabile(const Valore& TipoRegistro, const Valore& NumeroRegistro, const Valore& SerieDocumento) {
-  return {TipoRegistro, Valore(""), NumeroRegistro, kDepositoContabile, SerieDocumento};
+ChiaveComposta Chiave(const Valore& TipoRegistro, const Valore& IndOrdiniImpegni, const Valore& NumeroRegistro,
+                  const Valore& Deposito, const Valore& SerieDocumento) {
+  ChiaveComposta k(kTabella);
+  k.Testo("TipoRegistro", TipoRegistro)
+      .Testo("IndOrdiniImpegni", IndOrdiniImpegni)
+      .Testo("NumeroRegistro", NumeroRegistro)
+      .Testo("Deposito", Deposito)
+      .Testo("SerieDocumento", SerieDocumento);
+  return k;
 }
 
-Recordset Leggi(Connessione& cn, const Chiave& k) {
+// A register of the ledger: no orders indicator, depot "000".
+ChiaveComposta ChiaveContabile(const Valore& TipoRegistro, const Valore& NumeroRegistro, const Valore& SerieDocumento) {
+  return Chiave(TipoRegistro, Valore(""), NumeroRegistro, kDepositoContabile, SerieDocumento);
+}
+
+Recordset Leggi(Connessione& cn, const ChiaveComposta& k) {
   FiltroChiave f = k.Filtro();
   return cn.Execute("SELECT * FROM [Progressivi Numerazione Vorn] WHERE " + f.Where(), f.Valori());
 }
 
-Valore NumeroSuccessivo(Connessione& cn, const Chiave& k) {
+Valore NumeroSuccessivo(Connessione& cn, const ChiaveComposta& k) {
   Recordset rs = Leggi(cn, k);
   if (rs.Eof()) return Valore(1);
   int64_t ultimo = NullToZeroLng(LeggiCampo(rs("NumeroUltimoDoc"), Valore(0)));
   return Valore(static_cast<long long>(ultimo + 1));
 }
 
-int32_t Prendi(Connessione& cn, const Chiave& k) {
+int32_t Prendi(Connessione& cn, const ChiaveComposta& k) {
   FiltroChiave f = k.Filtro();
   Contatore c;
   c.tabella = kTabella;
   c.colonna = "NumeroUltimoDoc";
   c.where = f.Where();
   c.parametri = f.Valori();
-  c.nuovaRiga = {{"TipoRegistro", k.TipoRegistro},
-                 {"IndOrdiniImpegni", k.IndOrdiniImpegni},
-                 {"NumeroRegistro", k.NumeroRegistro},
-                 {"Deposito", k.Deposito},
-                 {"SerieDocumento", k.SerieDocumento}};
+  c.nuovaRiga = k.Colonne();
   return PrendiNumero(cn, c);
 }
 
@@ -71,7 +57,7 @@ int32_t Prendi(Connessione& cn, const Chiave& k) {
 bool clsProgrNumerazione::LocalizzaRecord(Recordset& T, const Valore& TipoRegistro, const Valore& IndOrdiniImpegni,
                                           const Valore& NumeroRegistro, const Valore& Deposito,
                                           const Valore& SerieDocumento, const Valore& clientID, long hWnd) {
-  FiltroChiave f = Chiave{TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento}.Filtro();
+  FiltroChiave f = Chiave(TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento).Filtro();
   return LocalizzaRecordProtocollo(*cn, T, kTabella, f.Where(), f.Valori(), clientID, hWnd);
 }
 
@@ -87,7 +73,7 @@ bool clsProgrNumerazione::SalvaRecord(const Valore& TipoRegistro, const Valore& 
                                       const Valore& SerieDocumento, const Valore& NumeroUltimoDoc,
                                       const Valore& DataUltimoDoc, const Valore& NumeroUltimoDocBollato,
                                       const Valore& clientID, long hWnd, bool& Cancel) {
-  Chiave k{TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento};
+  ChiaveComposta k = Chiave(TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento);
   FiltroChiave f = k.Filtro();
   return SalvaRecordProtocollo(*cn, kTabella, f.Where(), f.Valori(), clientID, hWnd, Cancel,
                                [&](Recordset& rs, bool) {
@@ -101,7 +87,7 @@ bool clsProgrNumerazione::SalvaRecord(const Valore& TipoRegistro, const Valore& 
 bool clsProgrNumerazione::CancellaRecord(const Valore& TipoRegistro, const Valore& IndOrdiniImpegni,
                                          const Valore& NumeroRegistro, const Valore& Deposito,
                                          const Valore& SerieDocumento) {
-  FiltroChiave f = Chiave{TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento}.Filtro();
+  FiltroChiave f = Chiave(TipoRegistro, IndOrdiniImpegni, NumeroRegistro, Deposito, SerieDocumento).Filtro();
   cn->Esegui("DELETE FROM [Progressivi Numerazione Vorn] WHERE " + f.Where(), f.Valori());
   return true;
 }
@@ -136,7 +122,7 @@ bool clsProgrNumerazione::SalvaNumeroUltimoDocBollato(const Valore& TipoRegistro
                                                       const Valore& SerieDocumento,
                                                       const Valore& NumeroUltimoDocBollato, const Valore& clientID,
                                                       long hWnd) {
-  Chiave k = ChiaveContabile(TipoRegistro, NumeroRegistro, SerieDocumento);
+  ChiaveComposta k = ChiaveContabile(TipoRegistro, NumeroRegistro, SerieDocumento);
   FiltroChiave f = k.Filtro();
   azienda::ScriviRiga(
       *cn, kTabella, f.Where(), f.Valori(), clientID, hWnd,
