@@ -1,0 +1,907 @@
+// vorn demo: a company from the standard model filled with a year of made-up but consistent
+// books, and its trial balance.
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <ostream>
+#include <set>
+#include <stdexcept>
+
+#include "cli/Comandi.h"
+#include "cli/Demo.h"
+#include "company/clsAnagraficaAzienda.h"
+#include "frame/Comuni.h"
+#include "frame/FileVorn.h"
+#include "frame/Formato.h"
+#include "frame/Impaginazione.h"
+#include "frame/Schema.h"
+#include "interchange/ModelloStandard.h"
+#include "ledger/clsPrimaNota.h"
+
+namespace vorn::cli {
+
+namespace {
+
+// A small generator of its own (splitmix64), so that a seed gives the same company on every
+// machine and with every library.
+class Casuale {
+ public:
+  explicit Casuale(uint64_t seme) : s_(seme * 0x9E3779B97F4A7C15ULL + 0x2545F4914F6CDD1DULL) {}
+  uint64_t Prossimo() {
+    uint64_t z = (s_ += 0x9E3779B97F4A7C15ULL);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
+    return z ^ (z >> 31);
+  }
+  // Between a and b, both included.
+  int64_t Tra(int64_t a, int64_t b) { return a + static_cast<int64_t>(Prossimo() % static_cast<uint64_t>(b - a + 1)); }
+  // An index chosen with the given weights.
+  size_t Pesato(const std::vector<int>& pesi) {
+    int totale = 0;
+    for (int p : pesi) totale += p;
+    int64_t x = Tra(0, totale - 1);
+    for (size_t i = 0; i < pesi.size(); ++i) {
+      if (x < pesi[i]) return i;
+      x -= pesi[i];
+    }
+    return pesi.size() - 1;
+  }
+  template <class T>
+  const T& Scegli(const std::vector<T>& v) {
+    return v[static_cast<size_t>(Tra(0, static_cast<int64_t>(v.size()) - 1))];
+  }
+  // An amount in cents, most of them small: a log-like spread between the two bounds.
+  int64_t Importo(int64_t minimo, int64_t massimo) {
+    int64_t a = Tra(minimo, massimo), b = Tra(minimo, massimo), c = Tra(minimo, massimo);
+    return std::min({a, b, c}) + Tra(0, 99);
+  }
+
+ private:
+  uint64_t s_;
+};
+
+Importo Euro(int64_t centesimi) { return Importo::DaRaw(centesimi * 100); }
+
+struct Luogo {
+  const char* citta;
+  const char* provincia;
+  const char* cap;
+  const char* ufficio;  // the office code of a VAT number of that province
+};
+const std::vector<Luogo>& Luoghi() {
+  static const std::vector<Luogo> v = {
+      {"Milano", "MI", "20121", "015"},   {"Torino", "TO", "10121", "001"},   {"Bologna", "BO", "40121", "037"},
+      {"Firenze", "FI", "50122", "048"},  {"Roma", "RM", "00184", "058"},     {"Napoli", "NA", "80133", "063"},
+      {"Bari", "BA", "70121", "072"},     {"Verona", "VR", "37121", "023"},   {"Padova", "PD", "35122", "028"},
+      {"Brescia", "BS", "25121", "017"},  {"Bergamo", "BG", "24121", "016"},  {"Parma", "PR", "43121", "034"},
+      {"Genova", "GE", "16121", "010"},   {"Ancona", "AN", "60121", "042"},   {"Perugia", "PG", "06121", "054"},
+      {"Palermo", "PA", "90133", "082"},  {"Cagliari", "CA", "09124", "092"}, {"Trento", "TN", "38122", "022"},
+      {"Udine", "UD", "33100", "030"},    {"Modena", "MO", "41121", "036"},
+  };
+  return v;
+}
+const std::vector<std::string> kCognomi = {
+    "Rossi",   "Bianchi", "Ferrari", "Russo",  "Romano", "Colombo", "Ricci",   "Marino",  "Greco",  "Bruno",
+    "Gallo",   "Conti",   "Costa",   "Giordano", "Mancini", "Rizzo", "Lombardi", "Moretti", "Barbieri", "Fontana",
+    "Santoro", "Mariani", "Rinaldi", "Caruso", "Ferri",  "Galli",   "Martini", "Leone",   "Longo",  "Gentile"};
+const std::vector<std::string> kAttivita = {
+    "Meccanica", "Forniture", "Trasporti", "Costruzioni", "Elettronica", "Alimentari", "Arredamenti",
+    "Tessile",   "Impianti",  "Informatica", "Commerciale", "Servizi",   "Logistica",   "Ceramiche"};
+const std::vector<std::string> kForme = {"S.r.l.", "S.p.A.", "S.n.c.", "S.a.s.", "S.r.l.s."};
+const std::vector<std::string> kVie = {"Via Roma", "Via Garibaldi", "Corso Italia", "Via Mazzini", "Via Verdi",
+                                       "Viale Europa", "Via Dante", "Piazza della Repubblica", "Via Cavour"};
+
+// A VAT number with its check digit.
+std::string PartitaIva(int64_t matricola, const std::string& ufficio) {
+  std::string s = Format(Valore(static_cast<long long>(matricola)), "0000000") + ufficio;
+  int somma = 0;
+  for (size_t i = 0; i < 10; ++i) {
+    int d = s[i] - '0';
+    if (i % 2 == 1) {
+      d *= 2;
+      if (d > 9) d -= 9;
+    }
+    somma += d;
+  }
+  return s + static_cast<char>('0' + (10 - somma % 10) % 10);
+}
+
+struct Aperta {
+  int64_t centesimi;
+  long documento;
+};
+
+struct Soggetto {
+  std::string codice, ragione, sottoconto, codiceIva, nazione;
+  std::deque<Aperta> aperte;
+};
+
+struct Estero {
+  const char* nazione;
+  const char* citta;
+};
+
+// What the demo makes up, before it writes: the counterparties.
+std::vector<Soggetto> CreaSoggetti(Connessione& cn, Casuale& r, bool clienti, int quanti) {
+  std::vector<Soggetto> v;
+  const std::string tabella = clienti ? "Anagrafica Clienti" : "Anagrafica Fornitori";
+  const std::vector<Estero> cee = {{"DE", "München"}, {"FR", "Lyon"}, {"ES", "Barcelona"}, {"AT", "Wien"}};
+  const std::vector<Estero> extra = {{"CH", "Lugano"}, {"US", "New York"}, {"GB", "London"}};
+  const std::vector<std::string> pagamentiClienti = {"RB30", "RB60", "R306", "R369", "BB30", "BB60", "RD0"};
+  const std::vector<std::string> pagamentiFornitori = {"BB30", "BB60", "BB90", "RD30", "RD0"};
+  std::string sql = "INSERT INTO [" + tabella +
+                    "] ([Codice Cliente], [Ragione Sociale], [Indirizzo], [Cap], [Località], [Provincia], "
+                    "[Codice Nazione], [Partita Iva], [Codice Fiscale], [Persona Fisica], [Codice Iva], "
+                    "[Codice Pagamento], [Descrizione Pagamento], [SottocontoApparten], [E-mail], [Telefono], "
+                    "[Saldo], [SaldoInizPeriodo], [SaldoDarePeriodo], [SaldoAverePeriodo], [SaldoInizProgress], "
+                    "[SaldoDareProgress], [SaldoAvereProgress]) "
+                    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, '0', ?, ?, "
+                    "(SELECT [Descrizione Pagamento] FROM [Pagamenti] WHERE [Codice Pagamento] = ?), ?, ?, ?, "
+                    "0, 0, 0, 0, 0, 0, 0)";
+  for (int i = 1; i <= quanti; ++i) {
+    Soggetto s;
+    s.codice = std::to_string(i);
+    std::string cognome = r.Scegli(kCognomi), attivita = r.Scegli(kAttivita), forma = r.Scegli(kForme);
+    s.ragione = cognome + " " + attivita + " " + forma;
+    size_t area = r.Pesato({85, 10, 5});
+    std::string indirizzo = r.Scegli(kVie) + ", " + std::to_string(r.Tra(1, 180));
+    std::string cap, citta, provincia, piva;
+    if (area == 0) {
+      const Luogo& l = r.Scegli(Luoghi());
+      cap = l.cap, citta = l.citta, provincia = l.provincia;
+      piva = PartitaIva(r.Tra(100000, 9999999), l.ufficio);
+      s.nazione = "IT";
+      // A few clients are public bodies under split payment.
+      bool pubblico = clienti && r.Tra(1, 20) == 1;
+      if (pubblico) s.ragione = "Comune di " + std::string(l.citta);
+      s.sottoconto = clienti ? (pubblico ? "0501004" : "0501001") : "1301001";
+      s.codiceIva = pubblico ? "S22" : "022";
+    } else {
+      const Estero& e = area == 1 ? r.Scegli(cee) : r.Scegli(extra);
+      citta = e.citta;
+      s.nazione = e.nazione;
+      piva = std::string(e.nazione) + std::to_string(r.Tra(100000000, 999999999));
+      s.sottoconto = clienti ? (area == 1 ? "0501002" : "0501003") : (area == 1 ? "1301002" : "1301003");
+      s.codiceIva = clienti ? (area == 1 ? "N41" : "N8A") : (area == 1 ? "C22" : "FCI");
+    }
+    std::string pagamento = clienti ? r.Scegli(pagamentiClienti) : r.Scegli(pagamentiFornitori);
+    std::string dominio = LCase(cognome) + LCase(attivita.substr(0, 4));
+    cn.Esegui(sql, {s.codice, s.ragione, indirizzo, cap, citta, provincia, s.nazione, piva, piva, s.codiceIva,
+                    pagamento, pagamento, s.sottoconto, "amministrazione@" + dominio + ".it",
+                    "0" + std::to_string(r.Tra(100000000, 999999999))});
+    v.push_back(std::move(s));
+  }
+  return v;
+}
+
+struct Riga {
+  std::string dareAvere, conto;
+  int64_t centesimi = 0;
+  const Soggetto* soggetto = nullptr;  // the client or supplier of a control-account row
+  char tipo = 0;                       // 'C' or 'F' with a soggetto
+};
+
+struct RigaIva {
+  std::string dareAvere, conto, codiceIva;
+  int64_t imponibile = 0, imposta = 0;
+};
+
+struct Documento {
+  Data data;
+  std::string causale, descrizione;
+  std::string tipoRegistro = "0";
+  long numero = 0, protocollo = 0;
+  Data dataDocumento;
+  int64_t totale = 0;
+  const Soggetto* soggetto = nullptr;
+  char tipo = 0;
+};
+
+class Registratore {
+ public:
+  Registratore(Connessione& cn, IForm* form, int lotto) : cn_(cn), form_(form), lotto_(lotto) {
+    pn_.cn = cn.shared_from_this();
+    numero_ = pn_.GetNumeroNuovaRegistrazionePrimaNota() - 1;
+  }
+
+  void Registra(const Documento& d, const std::vector<Riga>& righe, const std::vector<RigaIva>& iva) {
+    if (!cn_.InTransazione()) cn_.BeginTrans();
+    ++numero_;
+    std::string numero = Format(Valore(static_cast<long long>(numero_)), "00000");
+    bool conIva = d.tipoRegistro != "0";
+    RecordValori base;
+    base["DataRegistrazione"] = Valore(d.data);
+    base["NumeroRegistrazione"] = numero;
+    base["DataCompetenza"] = Valore(d.data);
+    base["TipoRegistroIva"] = d.tipoRegistro;
+    base["NumRegistroIva"] = conIva ? "01" : "00";
+    base["CodiceCausale"] = d.causale;
+    base["DescrizioneSupplem"] = d.descrizione;
+    base["Stringa10indicatori"] = std::string(10, ' ');
+    base["Valuta"] = "06";
+    base["Cambio"] = 1.0;
+    base["IndSpesometro"] = 0;
+    if (conIva) {
+      base["DataDocumento"] = Valore(d.dataDocumento);
+      base["NumeroDocumento"] = static_cast<long long>(d.numero);
+      base["SerieDocumento"] = "";
+      base["NumeroDiProtocollo"] = static_cast<long long>(d.protocollo);
+      base["TotaleDocumento"] = Euro(d.totale);
+      base["DataCompetenzaIVA"] = Valore(d.data);
+    }
+    bool cancel = false;
+    int n = 0;
+    for (const auto& r : righe) {
+      RecordValori v = base;
+      v["TipoRigaIvaNormale"] = "";
+      v["NumRigaAVideo"] = Format(Valore(++n), "000");
+      v["DareAvere"] = r.dareAvere;
+      v["ContoPrimaNota"] = r.conto;
+      v["IndClienteFornitore"] = r.soggetto ? std::string(1, r.tipo) : std::string();
+      v["CodClienteFornitore"] = r.soggetto ? r.soggetto->codice : std::string();
+      v["ImportoMovimento"] = Euro(r.centesimi);
+      Salva(v, cancel);
+    }
+    n = 0;
+    for (const auto& r : iva) {
+      RecordValori v = base;
+      v["TipoRigaIvaNormale"] = "I";
+      v["NumRigaAVideo"] = Format(Valore(++n), "000");
+      v["DareAvere"] = r.dareAvere;
+      v["ContoPrimaNota"] = r.conto;
+      v["ImportoMovimento"] = Euro(r.imposta);
+      v["Imponibile"] = Euro(r.imponibile);
+      v["CodiceIva"] = r.codiceIva;
+      v["IndicatoreCliFor"] = d.soggetto ? std::string(1, d.tipo) : std::string();
+      v["CodiceCliFor"] = d.soggetto ? d.soggetto->codice : std::string();
+      Salva(v, cancel);
+    }
+    ultimo_[d.tipoRegistro] = {numero, d};
+    ++registrazioni_;
+    if (form_) form_->msgbar("Registrazione " + numero + " del " + d.data.Testo());
+    if (++nelLotto_ >= lotto_) Chiudi();
+  }
+
+  // Ends the batch: the register counters from the last entry of each register, then commit.
+  void Chiudi() {
+    if (!cn_.InTransazione()) return;
+    // The counters keep the highest number, so the last entry of each register in the batch
+    // leaves them as a call per entry would; the number of the last entry goes last.
+    for (const auto& [tipo, u] : ultimo_) {
+      const Documento& d = u.second;
+      if (tipo == "0") continue;
+      pn_.AggiornaProgressiviPrimaNota(u.first, Valore(d.data), tipo, "01", "", static_cast<long long>(d.numero),
+                                       Valore(d.dataDocumento), static_cast<long long>(d.protocollo),
+                                       Valore("demo"), 0);
+    }
+    pn_.AggiornaNumeroUltimaRegistrazione(static_cast<long long>(numero_), Valore("demo"), 0);
+    ultimo_.clear();
+    cn_.CommitTrans();
+    nelLotto_ = 0;
+  }
+  void Annulla() {
+    if (cn_.InTransazione()) cn_.RollbackTrans();
+  }
+
+  long Registrazioni() const { return registrazioni_; }
+  long Righe() const { return righe_; }
+
+ private:
+  void Salva(const RecordValori& v, bool& cancel) {
+    if (!pn_.SalvaRecord(v, Valore("demo"), 0, cancel))
+      throw std::runtime_error("Riga " + v.at("NumRigaAVideo").Testo() + " della registrazione " +
+                               v.at("NumeroRegistrazione").Testo() + " non salvata.");
+    ++righe_;
+  }
+
+  Connessione& cn_;
+  IForm* form_;
+  int lotto_;
+  clsPrimaNota pn_;
+  long numero_ = 0;
+  long registrazioni_ = 0, righe_ = 0;
+  int nelLotto_ = 0;
+  std::map<std::string, std::pair<std::string, Documento>> ultimo_;
+};
+
+// The tax in cents of a taxable amount in cents at a rate of the VAT table; half a cent and up
+// rounds away from zero.
+int64_t Imposta(int64_t imponibile, Importo aliquota) {
+  int64_t x = imponibile * aliquota.Raw();  // cents x percent x 10000
+  constexpr int64_t kDivisore = 100 * Importo::kScala;
+  return (x >= 0 ? x + kDivisore / 2 : x - kDivisore / 2) / kDivisore;
+}
+
+// One VAT row per code, the taxable amounts summed by code.
+std::vector<RigaIva> RigheIva(const std::vector<std::pair<std::string, int64_t>>& righe, const std::string& conto,
+                              const std::string& lato, const std::map<std::string, Importo>& aliquote) {
+  std::map<std::string, int64_t> perCodice;
+  for (const auto& [codice, importo] : righe) perCodice[codice] += importo;
+  std::vector<RigaIva> v;
+  for (const auto& [codice, imponibile] : perCodice) {
+    auto a = aliquote.find(codice);
+    if (a == aliquote.end()) throw std::runtime_error("Il codice IVA " + codice + " manca nella tabella dei codici IVA.");
+    v.push_back({lato, conto, codice, imponibile, Imposta(imponibile, a->second)});
+  }
+  return v;
+}
+
+class Generatore {
+ public:
+  Generatore(Connessione& cn, const OpzioniDemo& o, IForm* form)
+      : cn_(cn), o_(o), r_(o.seme), reg_(cn, form, std::max(1, o.lotto)) {}
+
+  EsitoDemo Esegui() {
+    for (auto rs = cn_.Execute("SELECT [Codice Iva], [Aliquota] FROM [Codici Iva]"); !rs.Eof(); rs.MoveNext())
+      aliquote_[Trim(rs(0).Value().Testo())] = NullToZeroCy(rs(1).Value());
+    {
+      Atomico tx(cn_);
+      Anagrafica();
+      clienti_ = CreaSoggetti(cn_, r_, true, o_.clienti);
+      fornitori_ = CreaSoggetti(cn_, r_, false, o_.fornitori);
+      tx.Conferma();
+    }
+    try {
+      Apertura();
+      const Data inizio = *Data::Crea(o_.anno, 1, 1);
+      const int giorni = Data::Bisestile(o_.anno) ? 366 : 365;
+      for (long i = 0; i < o_.registrazioni; ++i) {
+        Data giorno = inizio.AggiungiGiorni(static_cast<int64_t>(i) * giorni / o_.registrazioni);
+        Calendario(giorno);
+        Una(giorno);
+      }
+      Calendario(*Data::Crea(o_.anno, 12, 31));
+      Liquidazione(*Data::Crea(o_.anno, 12, 31));
+      reg_.Chiudi();
+    } catch (...) {
+      reg_.Annulla();
+      throw;
+    }
+    return {reg_.Registrazioni(), reg_.Righe()};
+  }
+
+ private:
+  // Every entry goes through here: the generator follows the balances it needs (bank, cash,
+  // the VAT accounts of the month) as the journal moves them, debit positive.
+  void Registra(const Documento& d, const std::vector<Riga>& righe, const std::vector<RigaIva>& iva) {
+    reg_.Registra(d, righe, iva);
+    for (const auto& r : righe) saldi_[r.conto] += r.dareAvere == "D" ? r.centesimi : -r.centesimi;
+    for (const auto& r : iva) saldi_[r.conto] += r.dareAvere == "D" ? r.imposta : -r.imposta;
+  }
+  int64_t Saldo(const std::string& conto) const {
+    auto it = saldi_.find(conto);
+    return it == saldi_.end() ? 0 : it->second;
+  }
+
+  void Anagrafica() {
+    const Luogo& l = Luoghi()[0];
+    std::string piva = PartitaIva(r_.Tra(1000000, 9999999), l.ufficio);
+    cn_.Esegui(
+        "UPDATE [Tabella Azienda] SET [Ragione Sociale] = ?, [Indirizzo] = ?, [Cap] = ?, [Citta] = ?, "
+        "[Provincia] = ?, [Partita IVA] = ?, [Codice Fiscale] = ?, [Telefono] = ?, [E-mail] = ?, "
+        "[Capitale Sociale] = ?, [Attività Esercitata] = ?",
+        {"Esempio Commerciale S.r.l.", "Via dei Mille, 12", l.cap, l.citta, l.provincia, piva, piva, "02 1234567",
+         "amministrazione@esempiocommerciale.it", 50000.0, "Commercio all'ingrosso"});
+  }
+
+  void Apertura() {
+    Documento d;
+    d.data = *Data::Crea(o_.anno, 1, 1);
+    d.causale = "APE";
+    d.descrizione = "Apertura conti";
+    int64_t banca = r_.Tra(4000000, 9000000), cassa = r_.Tra(100000, 500000);
+    int64_t capitale = 5000000, riserve = banca + cassa - capitale;
+    std::vector<Riga> righe = {{"D", "0701001", banca}, {"D", "0702001", cassa}, {"A", "9001001", banca + cassa},
+                               {"D", "9001001", banca + cassa}, {"A", "1001001", capitale}};
+    if (riserve > 0) righe.push_back({"A", "1002002", riserve});
+    else righe.push_back({"D", "1002002", -riserve});
+    Registra(d, righe, {});
+  }
+
+  // The settlement of each month that has ended, and the payment of the VAT owed on the 16th.
+  void Calendario(const Data& giorno) {
+    while (mese_ < giorno.Mese()) {
+      Liquidazione(Data::Crea(o_.anno, mese_ + 1, 1)->AggiungiGiorni(-1));
+      ++mese_;
+    }
+    if (daVersare_ > 0 && giorno >= *Data::Crea(o_.anno, mese_, 16)) {
+      Documento d;
+      d.data = *Data::Crea(o_.anno, mese_, 16);
+      d.causale = "VIV";
+      d.descrizione = "Versamento IVA " + Format(Valore(mese_ - 1), "00");
+      Registra(d, {{"D", "1401005", daVersare_}, {"A", "0701001", daVersare_}}, {});
+      daVersare_ = 0;
+    }
+    if (mese_ > ritenuteVersate_ && giorno >= *Data::Crea(o_.anno, mese_, 16)) {
+      // Withholdings and contributions of the staff, paid with the same form.
+      ritenuteVersate_ = mese_;
+      int64_t ritenute = -Saldo("1402002"), contributi = -Saldo("1404001");
+      if (ritenute > 0 && contributi > 0) {
+        Documento d;
+        d.data = *Data::Crea(o_.anno, mese_, 16);
+        d.causale = "VRT";
+        d.descrizione = "Versamento F24 " + Format(Valore(mese_ - 1), "00");
+        Registra(d, {{"D", "1402002", ritenute}, {"D", "1404001", contributi}, {"A", "0701001", ritenute + contributi}},
+                 {});
+      }
+    }
+  }
+
+  // The VAT accounts of the month closed against the treasury's account: what the month owes
+  // is paid on the 16th of the next one, the December balance is left for the next year.
+  void Liquidazione(const Data& fine) {
+    if (!liquidato_.insert(fine.Mese()).second) return;
+    static const std::vector<std::string> contiIva = {"1401001", "0601001", "0601002"};
+    std::vector<Riga> righe;
+    int64_t netto = 0;  // debit positive: a credit towards the treasury
+    for (const auto& conto : contiIva) {
+      int64_t s = Saldo(conto);
+      if (s > 0) righe.push_back({"A", conto, s});
+      if (s < 0) righe.push_back({"D", conto, -s});
+      netto += s;
+    }
+    if (righe.empty()) return;
+    if (netto > 0) righe.push_back({"D", "1401005", netto});
+    if (netto < 0) righe.push_back({"A", "1401005", -netto});
+    Documento d;
+    d.data = fine;
+    d.causale = "LIQ";
+    d.descrizione = "Liquidazione IVA " + Format(Valore(fine.Mese()), "00");
+    Registra(d, righe, {});
+    int64_t dovuto = -Saldo("1401005");
+    daVersare_ = fine.Mese() < 12 && dovuto > 0 ? dovuto : 0;
+  }
+
+  void Una(const Data& giorno) {
+    switch (r_.Pesato({24, 3, 18, 2, 22, 15, 16})) {
+      case 0: return FatturaVendita(giorno, false);
+      case 1: return FatturaVendita(giorno, true);
+      case 2: return FatturaAcquisto(giorno, false);
+      case 3: return FatturaAcquisto(giorno, true);
+      case 4: return Incasso(giorno);
+      case 5: return Pagamento(giorno);
+      default: return Giroconto(giorno);
+    }
+  }
+
+  void FatturaVendita(const Data& giorno, bool notaCredito) {
+    Soggetto& c = clienti_[static_cast<size_t>(r_.Tra(0, static_cast<int64_t>(clienti_.size()) - 1))];
+    if (notaCredito && c.aperte.empty()) notaCredito = false;
+    std::vector<std::pair<std::string, int64_t>> righe;  // code, taxable amount
+    std::map<std::string, int64_t> ricavi;
+    int linee = notaCredito ? 1 : static_cast<int>(r_.Tra(1, 4));
+    for (int i = 0; i < linee; ++i) {
+      std::string codice = c.codiceIva;
+      if (codice == "022") codice = std::vector<std::string>{"022", "022", "022", "022", "010", "004", "E10"}
+                               [static_cast<size_t>(r_.Tra(0, 6))];
+      std::string conto = c.nazione != "IT" ? (c.sottoconto == "0501002" ? "7001003" : "7001004")
+                          : c.sottoconto == "0501004" ? "7001007"
+                          : r_.Tra(1, 4) == 1 ? "7001002"
+                                                : "7001001";
+      if (notaCredito) conto = "7001006";
+      int64_t imp = notaCredito ? std::max<int64_t>(1000, c.aperte.front().centesimi / 10) : r_.Importo(2000, 800000);
+      righe.push_back({codice, imp});
+      ricavi[conto] += imp;
+    }
+    if (!notaCredito && r_.Tra(1, 5) == 1) {  // transport charged on the invoice
+      int64_t trasporto = r_.Tra(1000, 8000);
+      righe.push_back({righe.front().first, trasporto});
+      ricavi["7002002"] += trasporto;
+    }
+    auto iva = RigheIva(righe, "1401001", notaCredito ? "D" : "A", aliquote_);
+    int64_t totale = 0;
+    for (const auto& [conto, imp] : ricavi) totale += imp;
+    for (const auto& v : iva) totale += v.imposta;
+
+    Documento d;
+    d.data = giorno;
+    d.dataDocumento = giorno;
+    d.causale = notaCredito ? "NCV" : "FTV";
+    d.tipoRegistro = "1";
+    d.numero = ++numeroVendite_;
+    d.totale = totale;
+    d.soggetto = &c;
+    d.tipo = 'C';
+    d.descrizione = (notaCredito ? "Nota credito n. " : "Fattura n. ") + std::to_string(d.numero);
+    std::vector<Riga> conti;
+    conti.push_back({notaCredito ? "A" : "D", c.sottoconto, totale, &c, 'C'});
+    for (const auto& [conto, imp] : ricavi) conti.push_back({notaCredito ? "D" : "A", conto, imp});
+    Registra(d, conti, iva);
+
+    int64_t splitPayment = 0;
+    if (c.codiceIva == "S22")
+      for (const auto& v : iva) splitPayment += v.imposta;
+    if (notaCredito) {
+      c.aperte.front().centesimi -= totale;
+      if (c.aperte.front().centesimi <= 0) c.aperte.pop_front();
+    } else {
+      c.aperte.push_back({totale - splitPayment, d.numero});
+    }
+    if (splitPayment > 0) {
+      // The public body pays the VAT to the treasury: the client owes the taxable amount only.
+      Documento g = d;
+      g.causale = "SPL";
+      g.tipoRegistro = "0";
+      g.descrizione = "Split payment ft. " + std::to_string(d.numero);
+      // The VAT of the invoice is not owed: it leaves the sales VAT through the split-payment account.
+      Registra(g,
+               {{"D", "1401006", splitPayment},
+                {"A", c.sottoconto, splitPayment, &c, 'C'},
+                {"D", "1401001", splitPayment},
+                {"A", "1401006", splitPayment}},
+               {});
+    }
+  }
+
+  void FatturaAcquisto(const Data& giorno, bool notaCredito) {
+    Soggetto& f = fornitori_[static_cast<size_t>(r_.Tra(0, static_cast<int64_t>(fornitori_.size()) - 1))];
+    // No credit notes from intra-community suppliers: their causal is the invoice's alone.
+    if (notaCredito && (f.aperte.empty() || f.codiceIva == "C22")) notaCredito = false;
+    static const std::vector<std::string> costi = {"6001001", "6001001", "6001001", "6001002", "6001003", "6101001",
+                                                   "6101003", "6101004", "6101006", "6101009", "6102001", "6102003"};
+    std::vector<std::pair<std::string, int64_t>> righe;
+    std::map<std::string, int64_t> conti;
+    int linee = notaCredito ? 1 : static_cast<int>(r_.Tra(1, 3));
+    for (int i = 0; i < linee; ++i) {
+      std::string conto = notaCredito ? "6001006" : r_.Scegli(costi);
+      if (f.nazione != "IT" && !notaCredito) conto = f.sottoconto == "1301002" ? "6001004" : "6001005";
+      std::string codice = f.codiceIva;
+      if (codice == "022") codice = std::vector<std::string>{"022", "022", "022", "022", "010", "004", "E10", "FCI"}
+                               [static_cast<size_t>(r_.Tra(0, 7))];
+      if (conto == "6102001") codice = "E10";  // rents of the premises: exempt
+      int64_t imp = notaCredito ? std::max<int64_t>(1000, f.aperte.front().centesimi / 10) : r_.Importo(1500, 500000);
+      righe.push_back({codice, imp});
+      conti[conto] += imp;
+    }
+    bool intra = f.codiceIva == "C22";
+    auto iva = RigheIva(righe, intra ? "0601002" : "0601001", notaCredito ? "A" : "D", aliquote_);
+    int64_t imponibile = 0, imposta = 0;
+    for (const auto& [conto, imp] : conti) imponibile += imp;
+    for (const auto& v : iva) imposta += v.imposta;
+    // An intra-community supplier invoices no VAT: the company adds it in both registers.
+    int64_t totale = intra ? imponibile : imponibile + imposta;
+
+    Documento d;
+    d.data = giorno;
+    d.dataDocumento = std::max(giorno.AggiungiGiorni(-r_.Tra(0, 6)), *Data::Crea(o_.anno, 1, 1));
+    d.causale = intra ? "FAI" : notaCredito ? "NCA" : "FTA";
+    d.tipoRegistro = "2";
+    d.numero = r_.Tra(1, 9999);
+    d.protocollo = ++protocollo_;
+    d.totale = imponibile + imposta;
+    d.soggetto = &f;
+    d.tipo = 'F';
+    d.descrizione = (notaCredito ? "Nota cred. forn. " : "Ft. fornitore ") + std::to_string(d.numero);
+    std::vector<Riga> righeConti;
+    for (const auto& [conto, imp] : conti) righeConti.push_back({notaCredito ? "A" : "D", conto, imp});
+    righeConti.push_back({notaCredito ? "D" : "A", f.sottoconto, totale, &f, 'F'});
+    if (intra && imposta > 0) righeConti.push_back({"A", "1401001", imposta});  // the sales-side integration
+    Registra(d, righeConti, iva);
+
+    if (notaCredito) {
+      f.aperte.front().centesimi -= totale;
+      if (f.aperte.front().centesimi <= 0) f.aperte.pop_front();
+    } else {
+      f.aperte.push_back({totale, d.numero});
+    }
+  }
+
+  void Incasso(const Data& giorno) {
+    std::vector<Soggetto*> conAperte;
+    for (auto& c : clienti_)
+      if (!c.aperte.empty()) conAperte.push_back(&c);
+    if (conAperte.empty()) return FatturaVendita(giorno, false);
+    Soggetto& c = *conAperte[static_cast<size_t>(r_.Tra(0, static_cast<int64_t>(conAperte.size()) - 1))];
+    Aperta a = c.aperte.front();
+    c.aperte.pop_front();
+    bool contanti = c.nazione == "IT" && a.centesimi < 100000 && r_.Tra(1, 4) == 1;
+    Documento d;
+    d.data = giorno;
+    d.causale = contanti ? "ICC" : "INC";
+    d.descrizione = "Incasso ft. " + std::to_string(a.documento);
+    std::string conto = contanti ? "0702001" : "0701001";
+    Registra(d, {{"D", conto, a.centesimi}, {"A", c.sottoconto, a.centesimi, &c, 'C'}}, {});
+  }
+
+  void Pagamento(const Data& giorno) {
+    std::vector<Soggetto*> conAperte;
+    for (auto& f : fornitori_)
+      if (!f.aperte.empty()) conAperte.push_back(&f);
+    if (conAperte.empty()) return FatturaAcquisto(giorno, false);
+    Soggetto& f = *conAperte[static_cast<size_t>(r_.Tra(0, static_cast<int64_t>(conAperte.size()) - 1))];
+    Aperta a = f.aperte.front();
+    f.aperte.pop_front();
+    bool bonifico = r_.Tra(1, 2) == 1;
+    Documento d;
+    d.data = giorno;
+    d.causale = bonifico ? "BON" : "PAG";
+    d.descrizione = "Pagamento ft. " + std::to_string(a.documento);
+    std::vector<Riga> righe = {{"D", f.sottoconto, a.centesimi, &f, 'F'}};
+    if (bonifico) {
+      int64_t commissioni = r_.Tra(100, 500);
+      righe.push_back({"D", "6501002", commissioni});
+      righe.push_back({"A", "0701001", a.centesimi + commissioni});
+    } else {
+      righe.push_back({"A", "0701001", a.centesimi});
+    }
+    Registra(d, righe, {});
+  }
+
+  void Giroconto(const Data& giorno) {
+    Documento d;
+    d.data = giorno;
+    switch (r_.Pesato({3, 2, 3, 2, 1})) {
+      case 0: {  // cash to the bank
+        int64_t cassa = Saldo("0702001");
+        if (cassa < 20000) return Giroconto2(giorno);
+        int64_t x = cassa / 100 * static_cast<int64_t>(r_.Tra(30, 90));
+        d.causale = "VER";
+        d.descrizione = "Versamento contanti";
+        Registra(d, {{"D", "0701001", x}, {"A", "0702001", x}}, {});
+        return;
+      }
+      case 1: {  // cash from the bank
+        int64_t x = r_.Tra(20, 150) * 1000;
+        d.causale = "PRL";
+        d.descrizione = "Prelevamento";
+        Registra(d, {{"D", "0702001", x}, {"A", "0701001", x}}, {});
+        return;
+      }
+      case 2: {  // bank charges
+        int64_t x = r_.Tra(500, 6000);
+        d.causale = "SBA";
+        d.descrizione = "Spese tenuta conto";
+        Registra(d, {{"D", "6501002", x}, {"A", "0701001", x}}, {});
+        return;
+      }
+      case 3:
+        return Giroconto2(giorno);
+      default: {  // petty cash expenses
+        int64_t x = r_.Tra(500, 15000);
+        d.causale = "GIR";
+        d.descrizione = "Spese varie cassa";
+        std::string conto = r_.Tra(1, 2) == 1 ? "6101010" : "6401007";
+        Registra(d, {{"D", conto, x}, {"A", "0702001", x}}, {});
+        return;
+      }
+    }
+  }
+
+  // Salaries: the cost against what is owed to the staff and the social security, then paid.
+  void Giroconto2(const Data& giorno) {
+    int64_t lordo = r_.Tra(300000, 1200000), contributi = lordo * 30 / 100, netto = lordo * 75 / 100;
+    int64_t ritenute = lordo - netto;
+    Documento d;
+    d.data = giorno;
+    d.causale = "STI";
+    d.descrizione = "Stipendi";
+    Registra(d,
+             {{"D", "6201001", lordo},
+              {"D", "6201002", contributi},
+              {"A", "1502002", netto},
+              {"A", "1402002", ritenute},
+              {"A", "1404001", contributi}},
+             {});
+    d.causale = "PST";
+    d.descrizione = "Pagamento stipendi";
+    Registra(d, {{"D", "1502002", netto}, {"A", "0701001", netto}}, {});
+  }
+
+  Connessione& cn_;
+  OpzioniDemo o_;
+  Casuale r_;
+  Registratore reg_;
+  std::vector<Soggetto> clienti_, fornitori_;
+  long numeroVendite_ = 0, protocollo_ = 0;
+  int mese_ = 1, ritenuteVersate_ = 1;
+  std::set<int> liquidato_;
+  int64_t daVersare_ = 0;
+  std::map<std::string, int64_t> saldi_;
+  std::map<std::string, Importo> aliquote_;
+};
+
+}  // namespace
+
+EsitoDemo RiempiAziendaDemo(Connessione& cn, const OpzioniDemo& o, IForm* form) {
+  Generatore g(cn, o, form);
+  return g.Esegui();
+}
+
+std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(Connessione& cn) {
+  std::vector<RigaBilancioVerifica> v;
+  auto rs = cn.Execute(
+      "SELECT [Saldi Piano Dei Conti].[CodiceGruppo], [Saldi Piano Dei Conti].[CodiceConto], "
+      "[Saldi Piano Dei Conti].[CodiceSottoconto], [Piano Dei Conti].[Descrizione], "
+      "[Saldi Piano Dei Conti].[SaldoInizialePeriodo], [Saldi Piano Dei Conti].[SaldoDarePeriodo], "
+      "[Saldi Piano Dei Conti].[SaldoAverePeriodo], [Saldi Piano Dei Conti].[SaldoInizialeProgr], "
+      "[Saldi Piano Dei Conti].[DareProgressivo], [Saldi Piano Dei Conti].[AvereProgressivo] "
+      "FROM [Saldi Piano Dei Conti] LEFT JOIN [Piano Dei Conti] ON "
+      "[Piano Dei Conti].[Gruppo] = [Saldi Piano Dei Conti].[CodiceGruppo] AND "
+      "[Piano Dei Conti].[Conto] = [Saldi Piano Dei Conti].[CodiceConto] AND "
+      "[Piano Dei Conti].[Sottoconto] = [Saldi Piano Dei Conti].[CodiceSottoconto] "
+      "ORDER BY [Saldi Piano Dei Conti].[CodiceGruppo], [Saldi Piano Dei Conti].[CodiceConto], "
+      "[Saldi Piano Dei Conti].[CodiceSottoconto]");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    RigaBilancioVerifica r;
+    r.codice = Trim(rs(0).Value().Testo()) + Trim(rs(1).Value().Testo()) + Trim(rs(2).Value().Testo());
+    r.descrizione = Trim(rs(3).Value().Testo());
+    Importo apertura = NullToZeroCy(rs(4).Value()) + NullToZeroCy(rs(7).Value());
+    r.dare = NullToZeroCy(rs(5).Value()) + NullToZeroCy(rs(8).Value());
+    r.avere = NullToZeroCy(rs(6).Value()) + NullToZeroCy(rs(9).Value());
+    if (apertura > Importo()) r.dare += apertura;
+    else r.avere -= apertura;
+    if (r.dare.Zero() && r.avere.Zero()) continue;
+    v.push_back(std::move(r));
+  }
+  return v;
+}
+
+namespace {
+
+std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
+
+// Amounts in 18 columns: room for tens of billions with their points.
+constexpr int kImporto = 18;
+constexpr size_t kLarghezza = 9 + 2 + 36 + 3 * (1 + kImporto) + 2;
+
+std::string SaldoConLato(Importo s) {
+  if (s.Zero()) return PadDestra(Valore(Cifra(s)), kImporto) + "  ";
+  return PadDestra(Valore(Cifra(s < Importo() ? -s : s)), kImporto) + (s < Importo() ? " A" : " D");
+}
+
+std::string RigaTesto(const std::string& codice, const std::string& descrizione, const std::string& dare,
+                      const std::string& avere, const std::string& saldo) {
+  return PadSinistra(Valore(codice), 9) + "  " + PadSinistra(Valore(SinistraTesto(descrizione, 36)), 36) + " " +
+         PadDestra(Valore(dare), kImporto) + " " + PadDestra(Valore(avere), kImporto) + " " + saldo;
+}
+
+std::string Intestazione() {
+  return RigaTesto("Codice", "Descrizione", "Dare", "Avere", PadDestra(Valore("Saldo"), kImporto));
+}
+
+}  // namespace
+
+std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe) {
+  std::string riga(kLarghezza, '-');
+  std::string s = Intestazione() + "\n" + riga + "\n";
+  Importo dare, avere;
+  for (const auto& r : righe) {
+    s += RigaTesto(FormattaConto(Valore(r.codice)), r.descrizione, Cifra(r.dare), Cifra(r.avere),
+                   SaldoConLato(r.Saldo())) +
+         "\n";
+    dare += r.dare;
+    avere += r.avere;
+  }
+  s += riga + "\n";
+  s += RigaTesto("", "Totali", Cifra(dare), Cifra(avere), SaldoConLato(dare - avere)) + "\n";
+  return s;
+}
+
+namespace {
+
+std::string ScriviStampa(const std::string& testo, const std::string& ditta, int anno) {
+  std::string temp = CartellaTemp();
+  std::string corpo = temp + "/bilverdemo.tmp", stampa = temp + "/BilancioVerificaDemo.txt";
+  {
+    std::ofstream f(corpo, std::ios::binary);
+    // The heading of the columns goes to the page head: the body starts after the rule.
+    size_t inizio = testo.find('\n', testo.find('\n') + 1) + 1;
+    f << testo.substr(inizio);
+  }
+  std::string titolo = "===" + std::string(30, ' ') + "BILANCIO DI VERIFICA DEI SOTTOCONTI AL 31/12/" +
+                       std::to_string(anno);
+  titolo = PadSinistra(Valore(titolo), kColonneReport);
+  RigaPagina("", Valore(0));
+  std::array<std::string, 9> testata = {"DITTA : " + ditta,
+                                        std::string(kColonneReport, '='),
+                                        titolo,
+                                        std::string(kColonneReport, '='),
+                                        Intestazione(),
+                                        std::string(kLarghezza, '-'),
+                                        "",
+                                        "",
+                                        ""};
+  std::array<std::string, 4> piede = {"", "", "", ""};
+  ImpaginaFileAzienda(corpo, stampa, 66, testata, piede, 3);
+  CancellaFile(corpo);
+  return stampa;
+}
+
+long NumeroPositivo(Argomenti& a, const std::string& nome, long predefinito, long massimo) {
+  auto v = a.Opzione(nome);
+  if (!v) return predefinito;
+  auto n = Valore(*v).ComeIntero();
+  if (!n || Trim(*v).find_first_not_of("0123456789") != std::string::npos || *n < 1 || *n > massimo)
+    throw ErroreUso(nome + " vuole un numero intero tra 1 e " + std::to_string(massimo) + ": " + *v);
+  return static_cast<long>(*n);
+}
+
+int Demo(Contesto& ctx) {
+  OpzioniDemo o;
+  o.seme = static_cast<uint64_t>(NumeroPositivo(ctx.args, "--seme", 1, 2147483647L));
+  o.clienti = static_cast<int>(NumeroPositivo(ctx.args, "--clienti", o.clienti, 1000000));
+  o.fornitori = static_cast<int>(NumeroPositivo(ctx.args, "--fornitori", o.fornitori, 1000000));
+  o.registrazioni = NumeroPositivo(ctx.args, "--registrazioni", o.registrazioni, 10000000);
+  o.anno = static_cast<int>(NumeroPositivo(ctx.args, "--anno", o.anno, 9999));
+  if (o.anno < 1900) throw ErroreUso("--anno vuole un anno dal 1900");
+  std::string cartella = ctx.args.Posizionale("la cartella della demo (DIR)");
+  ctx.args.Fine();
+
+  std::error_code ec;
+  std::filesystem::create_directories(cartella, ec);
+  if (ec) throw ErroreComando("Impossibile creare la cartella " + cartella + ": " + ec.message());
+  AziendaCli az;
+  az.file = (std::filesystem::path(cartella) / "azienda.db").string();
+  {
+    std::shared_ptr<Connessione> cn;
+    try {
+      cn = CreaAziendaSqlite(az.file);
+    } catch (const ErroreDb& e) {
+      throw ErroreComando(e.Descrizione());
+    }
+    try {
+      CaricaModello(*cn, "standard");
+    } catch (...) {
+      cn->Close();
+      std::filesystem::remove(az.file, ec);
+      throw;
+    }
+    cn->Close();
+  }
+  // Opened as the client opens it, so that the process-wide parameters are those of the company.
+  auto db = ApriAzienda(az);
+  // A long run of saves: a page cache that holds the tables being filled.
+  db->cn->Esegui("PRAGMA cache_size=-65536");
+  ctx.form.Caption("Demo: " + std::to_string(o.clienti) + " clienti, " + std::to_string(o.fornitori) +
+                   " fornitori, " + std::to_string(o.registrazioni) + " registrazioni nel " +
+                   std::to_string(o.anno) + " (seme " + std::to_string(o.seme) + ")");
+  EsitoDemo esito;
+  try {
+    esito = RiempiAziendaDemo(*db->cn, o, &ctx.form);
+  } catch (...) {
+    // A demo company that stopped half way is no demo: it goes.
+    db->DisconnettiDatabase();
+    for (const char* parte : {"", "-wal", "-shm"}) std::filesystem::remove(az.file + parte, ec);
+    throw;
+  }
+  ctx.form.Fine();
+
+  auto righe = BilancioVerificaSottoconti(*db->cn);
+  std::string testo = TestoBilancioVerifica(righe);
+  clsAnagraficaAzienda anagrafica;
+  anagrafica.cn = db->cn;
+  std::string stampa = ScriviStampa(testo, anagrafica.GetRagioneSocialeAzienda(), o.anno);
+  db->DisconnettiDatabase();
+
+  ctx.out << "Bilancio di verifica dei sottoconti al 31/12/" << o.anno << "\n\n" << testo << "\n";
+  ctx.out << "Azienda: " << az.file << " (" << esito.registrazioni << " registrazioni, " << esito.righe
+          << " righe di prima nota)\n";
+  ctx.out << "Stampa: " << stampa << "\n";
+  return 0;
+}
+
+const char* const kUsoDemo =
+    "Uso: vorn demo DIR [--seme N] [--clienti N] [--fornitori N] [--registrazioni N] [--anno AAAA]\n\n"
+    "Crea DIR/azienda.db dal modello standard e la riempie di clienti, fornitori e di un anno di\n"
+    "registrazioni (fatture di vendita e di acquisto con le righe IVA, note di credito, incassi,\n"
+    "pagamenti, giroconti, liquidazioni e versamenti IVA). Con lo stesso seme e le stesse opzioni\n"
+    "l'azienda è sempre la stessa. Poi stampa il bilancio di verifica dei sottoconti e scrive la\n"
+    "sua stampa impaginata sotto la cartella dell'applicazione (Temp).\n\n"
+    "  --seme N            il seme dei dati (1)\n"
+    "  --clienti N         quanti clienti (40)\n"
+    "  --fornitori N       quanti fornitori (25)\n"
+    "  --registrazioni N   quante registrazioni oltre all'apertura e alle liquidazioni IVA (1200);\n"
+    "                      ogni registrazione ha in media poco più di tre righe (320000 registrazioni\n"
+    "                      fanno circa un milione di righe); oltre 99999 i numeri di registrazione\n"
+    "                      passano a sei cifre\n"
+    "  --anno AAAA         l'anno delle registrazioni (2024)\n\n"
+    "Un file DIR/azienda.db che esiste già non viene toccato: il comando termina con un errore.\n";
+
+RegistraComando regDemo({"demo", "crea un'azienda dimostrativa con un anno di registrazioni", kUsoDemo, Demo});
+
+}  // namespace
+
+}  // namespace vorn::cli

@@ -1,0 +1,265 @@
+// The demo company: balanced entries, balances that agree with the journal, a trial balance
+// whose debit and credit meet, the same books for the same seed on both engines.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <sstream>
+
+#include "cli/Comandi.h"
+#include "cli/Demo.h"
+#include "frame/Comuni.h"
+#include "frame/Globali.h"
+#include "frame/Schema.h"
+#include "interchange/ModelloStandard.h"
+#include "ledger/VerificaSaldi.h"
+#include "support/Azienda.h"
+
+using namespace vorn;
+using namespace vorn::test;
+using cli::BilancioVerificaSottoconti;
+using cli::OpzioniDemo;
+using cli::RigaBilancioVerifica;
+
+namespace {
+
+OpzioniDemo Piccola(uint64_t seme = 7) {
+  OpzioniDemo o;
+  o.seme = seme;
+  o.clienti = 12;
+  o.fornitori = 8;
+  o.registrazioni = 400;
+  o.lotto = 37;  // several batches, the last one short
+  return o;
+}
+
+struct Movimenti {
+  Importo dare, avere, apertura;
+};
+
+// The trial balance recomputed from the journal rows alone.
+std::map<std::string, Movimenti> DalGiornale(Connessione& cn) {
+  std::map<std::string, Movimenti> m;
+  auto rs = cn.Execute(
+      "SELECT [Prima Nota].[ContoPrimaNota], [Prima Nota].[DareAvere], [Prima Nota].[ImportoMovimento], "
+      "[Causali Contabili].[OperativitaContabile] FROM [Prima Nota] LEFT JOIN [Causali Contabili] ON "
+      "[Causali Contabili].[CodiceCausale] = [Prima Nota].[CodiceCausale]");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    auto& x = m[Trim(rs(0).Value().Testo())];
+    Importo i = NullToZeroCy(rs(2).Value());
+    bool dare = rs(1).Value().Testo() == "D";
+    if (rs(3).Value().Testo() == "1") x.apertura += dare ? i : -i;
+    else (dare ? x.dare : x.avere) += i;
+  }
+  return m;
+}
+
+// Each row of the journal as text, in key order: what two runs must both write.
+std::string Impronta(Connessione& cn) {
+  std::string s;
+  auto rs = cn.Execute(
+      "SELECT [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], [DareAvere], [ContoPrimaNota], "
+      "[CodClienteFornitore], [CodiceCausale], [ImportoMovimento], [Imponibile], [CodiceIva], [DataRegistrazione] "
+      "FROM [Prima Nota] ORDER BY [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], [DareAvere]");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    for (int i = 0; i < rs.FieldCount(); ++i) {
+      const Valore& v = rs(i).Value();
+      s += (v.tipo() == Valore::Tipo::Importo || v.IsNumber()) ? NullToZeroCy(v).TestoPunto4() : Trim(v.Testo());
+      s += '|';
+    }
+    s += '\n';
+  }
+  return s;
+}
+
+std::shared_ptr<Connessione> AziendaSqlite(const std::string& file) {
+  OpzioniSqlite o;
+  o.crea = true;
+  auto cn = Connessione::ApriSqlite(file, o);
+  return cn;
+}
+
+}  // namespace
+
+class Demo : public AziendaTest {
+ protected:
+  void SetUp() override {
+    AziendaTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    CaricaModello(*cn, "standard");
+  }
+};
+
+TEST_P(Demo, EntriesBalanceAndTheTrialBalanceIsTheJournal) {
+  auto esito = cli::RiempiAziendaDemo(*cn, Piccola());
+  EXPECT_GT(esito.registrazioni, 400);  // the opening and the VAT settlements besides
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota]").ComeIntero(), esito.righe);
+  EXPECT_FALSE(cn->InTransazione());
+
+  // Every entry balances, to the last cent.
+  std::map<std::string, Importo> perRegistrazione;
+  auto rs = cn->Execute("SELECT [NumeroRegistrazione], [DareAvere], [ImportoMovimento] FROM [Prima Nota]");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    Importo i = NullToZeroCy(rs(2).Value());
+    perRegistrazione[rs(0).Value().Testo()] += rs(1).Value().Testo() == "D" ? i : -i;
+  }
+  EXPECT_EQ(perRegistrazione.size(), static_cast<size_t>(esito.registrazioni));
+  for (const auto& [n, s] : perRegistrazione) EXPECT_TRUE(s.Zero()) << "registrazione " << n << ": " << s.TestoPunto();
+
+  // The trial balance: debit and credit totals meet, and every line is what the journal gives.
+  auto righe = BilancioVerificaSottoconti(*cn);
+  Importo dare, avere;
+  for (const auto& r : righe) dare += r.dare, avere += r.avere;
+  EXPECT_EQ(dare, avere);
+  EXPECT_GT(dare, Importo(100000));
+  auto giornale = DalGiornale(*cn);
+  std::map<std::string, RigaBilancioVerifica> perConto;
+  for (const auto& r : righe) perConto[r.codice] = r;
+  for (const auto& [conto, m] : giornale) {
+    Importo d = m.dare + (m.apertura > Importo() ? m.apertura : Importo());
+    Importo a = m.avere + (m.apertura < Importo() ? -m.apertura : Importo());
+    if (d.Zero() && a.Zero()) {
+      EXPECT_EQ(perConto.count(conto), 0u) << conto;
+      continue;
+    }
+    ASSERT_EQ(perConto.count(conto), 1u) << conto;
+    EXPECT_EQ(perConto[conto].dare, d) << conto;
+    EXPECT_EQ(perConto[conto].avere, a) << conto;
+    EXPECT_FALSE(perConto[conto].descrizione.empty()) << conto;
+    perConto.erase(conto);
+  }
+  EXPECT_TRUE(perConto.empty()) << perConto.begin()->first;
+
+  // Sub-account, client and supplier balances agree with the journal.
+  auto differenze = VerificaSaldi(*cn);
+  for (const auto& d : differenze) ADD_FAILURE() << DescriviDifferenza(d);
+}
+
+TEST_P(Demo, TheBooksAreThoseOfARealYear) {
+  cli::RiempiAziendaDemo(*cn, Piccola());
+  auto saldo = [&](const std::string& conto) {
+    for (const auto& r : BilancioVerificaSottoconti(*cn))
+      if (r.codice == conto) return r.Saldo();
+    return Importo();
+  };
+  // The December settlement closes every VAT account of the year into the treasury's account.
+  for (const char* c : {"1401001", "0601001", "0601002", "1401006"}) EXPECT_TRUE(saldo(c).Zero()) << c;
+  EXPECT_LE(cn->Scalare("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota] WHERE [CodiceCausale] = 'LIQ'")
+                .ComeIntero()
+                .value_or(0),
+            12);
+  EXPECT_GE(cn->Scalare("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota] WHERE [CodiceCausale] = 'LIQ'")
+                .ComeIntero()
+                .value_or(0),
+            11);
+  // The opening moves the opening balance only: bank and cash start the year with it.
+  auto apertura = cn->Execute(
+      "SELECT [SaldoInizialePeriodo] FROM [Saldi Piano Dei Conti] WHERE [CodiceGruppo] = '07' AND "
+      "[CodiceConto] = '01' AND [CodiceSottoconto] = '001'");
+  ASSERT_FALSE(apertura.Eof());
+  EXPECT_GE(NullToZeroCy(apertura(0).Value()), Importo(40000));
+
+  // Every VAT row carries the tax of its code on its taxable amount, rounded to the cent.
+  auto iva = cn->Execute(
+      "SELECT [Prima Nota].[Imponibile], [Prima Nota].[ImportoMovimento], [Codici Iva].[Aliquota], "
+      "[Prima Nota].[CodiceIva] FROM [Prima Nota] LEFT JOIN [Codici Iva] ON [Codici Iva].[Codice Iva] = "
+      "[Prima Nota].[CodiceIva] WHERE [Prima Nota].[TipoRigaIvaNormale] = 'I'");
+  size_t n = 0;
+  for (; !iva.Eof(); iva.MoveNext(), ++n) {
+    ASSERT_FALSE(iva(2).Value().IsNull()) << "codice IVA sconosciuto " << iva(3).Value().Testo();
+    Importo atteso = NullToZeroCy(iva(0).Value()).Per(NullToZeroCy(iva(2).Value()).ToDouble() / 100).Arrotonda(2);
+    EXPECT_EQ(NullToZeroCy(iva(1).Value()), atteso) << iva(3).Value().Testo();
+  }
+  EXPECT_GT(n, 100u);
+  // The register of a VAT row is its causal's, and a row on a client or supplier names one that exists.
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] JOIN [Causali Contabili] ON [Causali Contabili]."
+                        "[CodiceCausale] = [Prima Nota].[CodiceCausale] WHERE [Prima Nota].[TipoRigaIvaNormale] = 'I' "
+                        "AND [Prima Nota].[TipoRegistroIva] <> [Causali Contabili].[TipoRegistroIva]")
+                .ComeIntero(),
+            0);
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE [IndClienteFornitore] = 'C' AND [CodClienteFornitore] "
+                        "NOT IN (SELECT [Codice Cliente] FROM [Anagrafica Clienti])")
+                .ComeIntero(),
+            0);
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Anagrafica Clienti]").ComeIntero(), 12);
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Anagrafica Fornitori]").ComeIntero(), 8);
+}
+
+TEST_P(Demo, TheSeedDecidesTheBooks) {
+  cli::RiempiAziendaDemo(*cn, Piccola(7));
+  std::string qui = Impronta(*cn);
+  // The same seed on an SQLite company of its own: the same rows, whatever the engine here.
+  auto altra = AziendaSqlite(dir->Percorso() + "/altra.db");
+  CreaSchema(*altra);
+  CaricaModello(*altra, "standard");
+  cli::RiempiAziendaDemo(*altra, Piccola(7));
+  EXPECT_EQ(Impronta(*altra), qui);
+  // Another seed, other books.
+  auto terza = AziendaSqlite(dir->Percorso() + "/terza.db");
+  CreaSchema(*terza);
+  CaricaModello(*terza, "standard");
+  cli::RiempiAziendaDemo(*terza, Piccola(8));
+  EXPECT_NE(Impronta(*terza), qui);
+}
+
+VORN_SU_DUE_MOTORI(Demo);
+
+TEST(BilancioVerifica, ColumnsAndTotals) {
+  AzzeraGlobali();
+  std::vector<RigaBilancioVerifica> righe = {
+      {"0701001", "Banca c/c ordinario", *Importo::DaTestoPunto("1234567.89"), *Importo::DaTestoPunto("0.5")},
+      {"1001001", "Una descrizione lunga che non sta nella sua colonna", Importo(), *Importo::DaTestoPunto("1234567.39")},
+      {"1401001", "IVA su vendite", Importo(100), Importo(100)}};
+  std::string atteso =
+      "Codice     Descrizione                                        Dare              Avere              Saldo\n"
+      "----------------------------------------------------------------------------------------------------------\n"
+      "07.01.001  Banca c/c ordinario                        1.234.567,89               0,50       1.234.567,39 D\n"
+      "10.01.001  Una descrizione lunga che non sta ne               0,00       1.234.567,39       1.234.567,39 A\n"
+      "14.01.001  IVA su vendite                                   100,00             100,00               0,00  \n"
+      "----------------------------------------------------------------------------------------------------------\n"
+      "           Totali                                     1.234.667,89       1.234.667,89               0,00  \n";
+  EXPECT_EQ(cli::TestoBilancioVerifica(righe), atteso);
+}
+
+TEST(ComandoDemo, WritesTheCompanyTheTrialBalanceAndTheReport) {
+  CartellaProva dir;
+  std::string demo = dir.Percorso() + "/demo";
+  std::ostringstream out;
+  std::FILE* err = std::tmpfile();
+  int rc = cli::Esegui({"--cartella", dir.Percorso() + "/app", "demo", demo, "--registrazioni", "150", "--clienti", "5",
+                        "--fornitori", "4", "--seme", "3"},
+                       out, err);
+  ASSERT_EQ(rc, 0);
+  const std::string o = out.str();
+  EXPECT_TRUE(std::filesystem::exists(demo + "/azienda.db"));
+  // The totals line: debit equal to credit, a zero balance.
+  auto t = o.find("           Totali ");
+  ASSERT_NE(t, std::string::npos) << o;
+  std::string totali = o.substr(t, o.find('\n', t) - t);
+  ASSERT_EQ(totali.size(), 106u);
+  EXPECT_EQ(totali.substr(48, 18), totali.substr(67, 18)) << totali;
+  EXPECT_EQ(Trim(totali.substr(86)), "0,00") << totali;
+  auto s = o.find("Stampa: ");
+  ASSERT_NE(s, std::string::npos);
+  std::string stampa = o.substr(s + 8, o.find('\n', s) - s - 8);
+  EXPECT_EQ(stampa, dir.Percorso() + "/app/Temp/BilancioVerificaDemo.txt");
+  std::string testo = LeggiFile(stampa);
+  EXPECT_NE(testo.find("BILANCIO DI VERIFICA DEI SOTTOCONTI AL 31/12/2024"), std::string::npos);
+  EXPECT_NE(testo.find(totali), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(dir.Percorso() + "/app/Temp/bilverdemo.tmp"));
+
+  // Again on the same folder: the company there is left alone.
+  auto prima = std::filesystem::file_size(demo + "/azienda.db");
+  std::ostringstream out2;
+  std::FILE* err2 = std::tmpfile();
+  EXPECT_EQ(cli::Esegui({"--cartella", dir.Percorso() + "/app", "demo", demo}, out2, err2), 1);
+  EXPECT_EQ(std::filesystem::file_size(demo + "/azienda.db"), prima);
+  std::fclose(err2);
+  // Sizes must be whole positive numbers.
+  std::ostringstream out3;
+  EXPECT_EQ(cli::Esegui({"demo", dir.Percorso() + "/x", "--registrazioni", "0"}, out3, err), 2);
+  EXPECT_EQ(cli::Esegui({"demo", dir.Percorso() + "/x", "--clienti", "tre"}, out3, err), 2);
+  EXPECT_FALSE(std::filesystem::exists(dir.Percorso() + "/x/azienda.db"));
+  std::fclose(err);
+}
