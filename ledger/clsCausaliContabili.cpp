@@ -119,6 +119,12 @@ Recordset clsCausaliContabili::Leggi(const Valore& codiceCausale, const std::str
   return cn->Execute("SELECT " + colonne + " FROM [Causali Contabili] WHERE " + f.where + ";", f.p);
 }
 
+std::string clsCausaliContabili::LeggiTesto(const Valore& codiceCausale, const std::string& colonna,
+                                            const char* predefinito) {
+  Recordset rs = Leggi(codiceCausale, "[" + colonna + "]");
+  return rs.Eof() ? predefinito : LeggiCampo(rs(colonna), Valore(predefinito)).Testo();
+}
+
 bool clsCausaliContabili::LocalizzaTuttiRecord(Recordset& T) {
   T = cn->Execute("SELECT * FROM [Causali Contabili] ORDER BY [CodiceCausale];");
   return !T.Eof();
@@ -284,18 +290,15 @@ bool clsCausaliContabili::LoadCausaliInCombo(const std::function<void(const std:
 }
 
 std::string clsCausaliContabili::GetTipoRegistroIvaCausaleContabile(const Valore& codiceCausale) {
-  Recordset rs = Leggi(codiceCausale, "[TipoRegistroIva]");
-  return rs.Eof() ? "0" : LeggiCampo(rs("TipoRegistroIva"), Valore("0")).Testo();
+  return LeggiTesto(codiceCausale, "TipoRegistroIva", "0");
 }
 
 std::string clsCausaliContabili::GetOperativitàCausaleContabile(const Valore& codiceCausale) {
-  Recordset rs = Leggi(codiceCausale, "[OperativitaContabile]");
-  return rs.Eof() ? "0" : LeggiCampo(rs("OperativitaContabile"), Valore("0")).Testo();
+  return LeggiTesto(codiceCausale, "OperativitaContabile", "0");
 }
 
 std::string clsCausaliContabili::GetTipoCausale(const Valore& codiceCausale) {
-  Recordset rs = Leggi(codiceCausale, "[TipoCausale]");
-  return rs.Eof() ? "" : LeggiCampo(rs("TipoCausale"), Valore("")).Testo();
+  return LeggiTesto(codiceCausale, "TipoCausale", "");
 }
 
 bool clsCausaliContabili::GetRegistroIVAProposto(const Valore& codiceCausale, Valore& RegistroIVAProposto) {
@@ -306,8 +309,7 @@ bool clsCausaliContabili::GetRegistroIVAProposto(const Valore& codiceCausale, Va
 }
 
 std::string clsCausaliContabili::GetSerieProposta(const Valore& codiceCausale) {
-  Recordset rs = Leggi(codiceCausale, "[SerieProposta]");
-  return rs.Eof() ? "" : LeggiCampo(rs("SerieProposta"), Valore("")).Testo();
+  return LeggiTesto(codiceCausale, "SerieProposta", "");
 }
 
 std::string clsCausaliContabili::GetSeriePropostaDecodificata(const Valore& serieProposta,

@@ -146,6 +146,8 @@ class clsCausaliContabili {
  private:
   // The row of the causal, read-only; at EOF when missing.
   Recordset Leggi(const Valore& codiceCausale, const std::string& colonne = "*");
+  // One column of the causal as text; `predefinito` when the row is missing or the column Null.
+  std::string LeggiTesto(const Valore& codiceCausale, const std::string& colonna, const char* predefinito);
 };
 
 }  // namespace vorn
