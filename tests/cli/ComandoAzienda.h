@@ -1,0 +1,37 @@
+// The arguments that name the test's company to a vorn command, on either engine.
+#pragma once
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "frame/Db.h"
+
+namespace vorn::test {
+
+// The SQLite file, or the PostgreSQL database, server, user and the test's own schema. The
+// password goes through VORN_PG_PASSWORD (empty when the server wants none), so that the
+// command never stops to ask for it on the terminal.
+inline std::vector<std::string> ArgomentiAzienda(bool postgres, const std::string& file, const ParametriPostgres& pg) {
+  if (!postgres) return {file};
+  setenv("VORN_PG_PASSWORD", pg.password.c_str(), 1);
+  std::vector<std::string> a = {"--pg-database", pg.database, "--pg-schema", pg.schema};
+  if (!pg.host.empty()) {
+    a.push_back("--pg-host");
+    a.push_back(pg.port.empty() ? pg.host : pg.host + ":" + pg.port);
+  }
+  if (!pg.user.empty()) {
+    a.push_back("--pg-user");
+    a.push_back(pg.user);
+  }
+  return a;
+}
+
+// `vorn` followed by `comando` and the company's arguments, with the application folder.
+inline std::vector<std::string> RigaComando(const std::string& cartella, const std::string& comando, bool postgres,
+                                            const std::string& file, const ParametriPostgres& pg) {
+  std::vector<std::string> a = {"--cartella", cartella, comando};
+  for (auto& s : ArgomentiAzienda(postgres, file, pg)) a.push_back(std::move(s));
+  return a;
+}
+
+}  // namespace vorn::test
