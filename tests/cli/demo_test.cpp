@@ -82,7 +82,7 @@ std::shared_ptr<Connessione> AziendaSqlite(const std::string& file) {
 
 }  // namespace
 
-class Demo : public AziendaTest {
+class AziendaDemo : public AziendaTest {
  protected:
   void SetUp() override {
     AziendaTest::SetUp();
@@ -91,7 +91,7 @@ class Demo : public AziendaTest {
   }
 };
 
-TEST_P(Demo, EntriesBalanceAndTheTrialBalanceIsTheJournal) {
+TEST_P(AziendaDemo, EntriesBalanceAndTheTrialBalanceIsTheJournal) {
   auto esito = cli::RiempiAziendaDemo(*cn, Piccola());
   EXPECT_GT(esito.registrazioni, 400);  // the opening and the VAT settlements besides
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota]").ComeIntero(), esito.righe);
@@ -136,7 +136,7 @@ TEST_P(Demo, EntriesBalanceAndTheTrialBalanceIsTheJournal) {
   for (const auto& d : differenze) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
-TEST_P(Demo, TheBooksAreThoseOfARealYear) {
+TEST_P(AziendaDemo, TheBooksAreThoseOfARealYear) {
   cli::RiempiAziendaDemo(*cn, Piccola());
   auto saldo = [&](const std::string& conto) {
     for (const auto& r : BilancioVerificaSottoconti(*cn))
@@ -186,7 +186,7 @@ TEST_P(Demo, TheBooksAreThoseOfARealYear) {
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Anagrafica Fornitori]").ComeIntero(), 8);
 }
 
-TEST_P(Demo, TheSeedDecidesTheBooks) {
+TEST_P(AziendaDemo, TheSeedDecidesTheBooks) {
   cli::RiempiAziendaDemo(*cn, Piccola(7));
   std::string qui = Impronta(*cn);
   // The same seed on an SQLite company of its own: the same rows, whatever the engine here.
@@ -203,7 +203,7 @@ TEST_P(Demo, TheSeedDecidesTheBooks) {
   EXPECT_NE(Impronta(*terza), qui);
 }
 
-VORN_SU_DUE_MOTORI(Demo);
+VORN_SU_DUE_MOTORI(AziendaDemo);
 
 TEST(BilancioVerifica, ColumnsAndTotals) {
   AzzeraGlobali();
