@@ -20,6 +20,7 @@
 #include "frame/Schema.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
+#include "ledger/clsStampaMastrini.h"
 
 namespace vorn::cli {
 
@@ -874,12 +875,25 @@ int Demo(Contesto& ctx) {
   clsAnagraficaAzienda anagrafica;
   anagrafica.cn = db->cn;
   std::string stampa = ScriviStampa(testo, anagrafica.GetRagioneSocialeAzienda(), o.anno);
+  // The ledger card of the Italian clients' control account over the year.
+  ArgomentiStampaMastrini am;
+  am.RagioneSocialeAzienda = anagrafica.GetRagioneSocialeAzienda();
+  am.nomeFile = CartellaTemp() + "/MastrinoClientiDemo.txt";
+  am.avar_DaData = Valore("01/01/" + std::to_string(o.anno));
+  am.avar_AData = Valore("31/12/" + std::to_string(o.anno));
+  am.avar_StampaDescrizionePN = true;
+  am.avar_StampaSaldo = true;
+  am.DataStampa = Data::Crea(o.anno, 12, 31);
+  clsStampaMastrini mastrini;
+  mastrini.cn = db->cn;
+  bool conScheda = mastrini.StampaSottoconti(am, Valore("0501001"), Valore("0501001")) > 0;
   db->DisconnettiDatabase();
 
   ctx.out << "Bilancio di verifica dei sottoconti al 31/12/" << o.anno << "\n\n" << testo << "\n";
   ctx.out << "Azienda: " << az.file << " (" << esito.registrazioni << " registrazioni, " << esito.righe
           << " righe di prima nota)\n";
   ctx.out << "Stampa: " << stampa << "\n";
+  if (conScheda) ctx.out << "Mastrino: " << am.nomeFile << "\n";
   return 0;
 }
 
@@ -889,7 +903,8 @@ const char* const kUsoDemo =
     "registrazioni (fatture di vendita e di acquisto con le righe IVA, note di credito, incassi,\n"
     "pagamenti, giroconti, liquidazioni e versamenti IVA). Con lo stesso seme e le stesse opzioni\n"
     "l'azienda è sempre la stessa. Poi stampa il bilancio di verifica dei sottoconti e scrive la\n"
-    "sua stampa impaginata sotto la cartella dell'applicazione (Temp).\n\n"
+    "sua stampa impaginata e il mastrino dei clienti Italia sotto la cartella dell'applicazione\n"
+    "(Temp).\n\n"
     "  --seme N            il seme dei dati (1)\n"
     "  --clienti N         quanti clienti (40)\n"
     "  --fornitori N       quanti fornitori (25)\n"
