@@ -1,5 +1,5 @@
 // The demo company of vorn demo: clients, suppliers and a year of journal entries, made up from a
-// seed so that the same options always give the same books; and the trial balance of its
+// starting number (--seme) so that the same options always give the same books; and the trial balance of its
 // sub-accounts.
 #pragma once
 #include <cstdint>

@@ -26,7 +26,7 @@ namespace vorn::cli {
 
 namespace {
 
-// A small generator of its own (splitmix64), so that a seed gives the same company on every
+// A small generator of its own (splitmix64), so that a starting number (--seme) gives the same company on every
 // machine and with every library.
 class Casuale {
  public:

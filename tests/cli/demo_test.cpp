@@ -1,5 +1,5 @@
 // The demo company: balanced entries, balances that agree with the journal, a trial balance
-// whose debit and credit meet, the same books for the same seed on both engines.
+// whose debit and credit meet, the same books for the same --seme on both engines.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -189,13 +189,13 @@ TEST_P(AziendaDemo, TheBooksAreThoseOfARealYear) {
 TEST_P(AziendaDemo, TheSeedDecidesTheBooks) {
   cli::RiempiAziendaDemo(*cn, Piccola(7));
   std::string qui = Impronta(*cn);
-  // The same seed on an SQLite company of its own: the same rows, whatever the engine here.
+  // The same --seme on an SQLite company of its own: the same rows, whatever the engine here.
   auto altra = AziendaSqlite(dir->Percorso() + "/altra.db");
   CreaSchema(*altra);
   CaricaModello(*altra, "standard");
   cli::RiempiAziendaDemo(*altra, Piccola(7));
   EXPECT_EQ(Impronta(*altra), qui);
-  // Another seed, other books.
+  // Another --seme, other books.
   auto terza = AziendaSqlite(dir->Percorso() + "/terza.db");
   CreaSchema(*terza);
   CaricaModello(*terza, "standard");

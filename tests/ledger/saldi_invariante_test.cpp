@@ -227,7 +227,7 @@ TEST_P(InvarianteSaldi, RandomPostingsChangesAndDeletesKeepBalancesAFunctionOfTh
       ASSERT_EQ(pn.CancellaPrimaNota(Valore(a), Valore(b), Valore(""), Valore(""), Valore("")), righe);
       descrizione = "delete range " + std::to_string(a) + "-" + std::to_string(b);
     }
-    Controlla(toccati, "operation " + std::to_string(op) + " (" + descrizione + "), seed " + std::to_string(seme));
+    Controlla(toccati, "operation " + std::to_string(op) + " (" + descrizione + "), seme " + std::to_string(seme));
     if (HasFatalFailure()) return;
   }
   cn->CommitTrans();
