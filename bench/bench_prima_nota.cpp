@@ -319,8 +319,10 @@ void Ricostruzione(bool pg, long righe) {
   std::printf("%-8s ricostruzione di %ld righe: %.2f s (%.0f righe/s), %ld msgbar, memoria %ld kB prima, picco %ld kB "
               "(+%ld kB)\n",
               motore, righe, t, righe / t, form.n, rssPrima, picco, picco - rssPrima);
+  t0 = Orologio::now();
   auto differenze = VerificaSaldi(*az.cn);
-  std::printf("%-8s verifica dopo la ricostruzione: %zu differenze\n", motore, differenze.size());
+  std::printf("%-8s verifica dei saldi sulla prima nota: %.2f s, %zu differenze\n", motore, Secondi(t0),
+              differenze.size());
   std::fflush(stdout);
 }
 
