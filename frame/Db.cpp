@@ -216,13 +216,26 @@ namespace {
 std::string Quadre(const std::string& n) { return "[" + n + "]"; }
 }  // namespace
 
+// The row's key: "= ?" for a value, IS NULL for a null part, so that the key's index serves.
+void Recordset::FiltroChiave(std::string& sql, Parametri& p, const std::vector<Valore>& riga) const {
+  for (size_t k = 0; k < chiave_.size(); ++k) {
+    if (k) sql += " AND ";
+    const Valore& v = riga[chiave_[k]];
+    if (v.IsNull() || v.IsEmpty()) {
+      sql += Quadre(cols_[chiave_[k]].nome) + " IS NULL";
+    } else {
+      sql += Quadre(cols_[chiave_[k]].nome) + " = ?";
+      p.push_back(v);
+    }
+  }
+}
+
 void Recordset::Update() {
   Assicura();
   if (edit_ == adEditNone) return;
   auto& row = rows_[pos_];
   Parametri p;
   std::string sql;
-  bool pg = cn_->IsPostgres();
   std::string ridExpr = cn_->ColonnaRid();
   if (edit_ == adEditAdd) {
     std::string cols, vals;
@@ -252,11 +265,7 @@ void Recordset::Update() {
     }
     sql = "UPDATE " + Quadre(tabella_) + " SET " + set + " WHERE ";
     if (!chiave_.empty()) {
-      for (size_t k = 0; k < chiave_.size(); ++k) {
-        if (k) sql += " AND ";
-        sql += Quadre(cols_[chiave_[k]].nome) + (pg ? " IS NOT DISTINCT FROM ?" : " IS ?");
-        p.push_back(originale_[chiave_[k]]);
-      }
+      FiltroChiave(sql, p, originale_);
     } else {
       sql += ridExpr + " = ?";
       p.push_back(originale_[rid_]);
@@ -297,15 +306,10 @@ void Recordset::Delete() {
     return;
   }
   const auto& key = edit_ == adEditInProgress ? originale_ : rows_[pos_];
-  bool pg = cn_->IsPostgres();
   Parametri p;
   std::string sql = "DELETE FROM " + Quadre(tabella_) + " WHERE ";
   if (!chiave_.empty()) {
-    for (size_t k = 0; k < chiave_.size(); ++k) {
-      if (k) sql += " AND ";
-      sql += Quadre(cols_[chiave_[k]].nome) + (pg ? " IS NOT DISTINCT FROM ?" : " IS ?");
-      p.push_back(key[chiave_[k]]);
-    }
+    FiltroChiave(sql, p, key);
   } else {
     sql += cn_->ColonnaRid() + " = ?";
     p.push_back(key[rid_]);
@@ -459,31 +463,40 @@ Recordset Connessione::ApriSql(std::string_view sql, const Parametri& p) {
 
 // ---------------------------------------------------------------- Atomico
 
-Atomico::Atomico(Connessione& cn) : cn_(cn) {
-  static std::atomic<unsigned> contatore{0};
-  if (cn_.InTransazione()) {
-    savepoint_ = "vorn_sp" + std::to_string(++contatore);
-    cn_.Esegui("SAVEPOINT " + savepoint_);
-  } else {
+Atomico::Atomico(Connessione& cn, bool recuperabile) : cn_(cn) {
+  if (!cn_.InTransazione()) {
     cn_.BeginTrans();
+    propria_ = true;
+  } else if (recuperabile || !cn_.IsPostgres()) {
+    // Named by depth: the same few names serve every unit, and their statements stay cached.
+    savepoint_ = "vorn_sp" + std::to_string(cn_.savepoint_ + 1);
+    cn_.Esegui("SAVEPOINT " + savepoint_);
+    ++cn_.savepoint_;
   }
 }
 
 void Atomico::Conferma() {
   if (fatto_) return;
-  if (savepoint_.empty()) cn_.CommitTrans();
-  else cn_.Esegui("RELEASE SAVEPOINT " + savepoint_);
+  if (propria_) {
+    cn_.CommitTrans();
+  } else if (!savepoint_.empty()) {
+    cn_.Esegui("RELEASE SAVEPOINT " + savepoint_);
+    --cn_.savepoint_;
+  }
   fatto_ = true;
 }
 
 Atomico::~Atomico() {
   if (fatto_) return;
   try {
-    if (savepoint_.empty()) {
+    if (propria_) {
       cn_.RollbackTrans();
-    } else {
+    } else if (!savepoint_.empty()) {
+      --cn_.savepoint_;
       cn_.Esegui("ROLLBACK TO SAVEPOINT " + savepoint_);
       cn_.Esegui("RELEASE SAVEPOINT " + savepoint_);
+    } else {
+      cn_.SegnaCompromessa(true);
     }
   } catch (...) {
   }

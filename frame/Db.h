@@ -142,6 +142,7 @@ class Recordset {
   const Valore& Get(int idx) const;
   void Set(int idx, const Valore& v);
   void Assicura() const;
+  void FiltroChiave(std::string& sql, std::vector<Valore>& p, const std::vector<Valore>& riga) const;
 
   bool open_ = false;
   std::vector<Colonna> cols_;
@@ -222,6 +223,11 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual std::vector<Colonna> ColonneTabella(const std::string& tabella) = 0;
   void DimenticaSchema() { chiavi_.clear(); }
 
+  // A unit of work that could not be undone on its own has failed inside the open transaction:
+  // its commit rolls back and says so.
+  bool Compromessa() const { return compromessa_; }
+  void SegnaCompromessa(bool c) { compromessa_ = c; }
+
   // Text helpers of the dialect.
   std::string Like() const { return IsPostgres() ? "ILIKE" : "LIKE"; }
   // A quoted identifier as this engine reads it.
@@ -238,14 +244,22 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
 
  private:
   friend class Recordset;
+  friend class Atomico;
   std::map<std::string, std::vector<std::string>> chiavi_;
+  bool compromessa_ = false;
+  int savepoint_ = 0;  // depth of the open units: their savepoints are named by it
 };
 
 // All-or-nothing over a scope: a transaction of its own when none is open, a savepoint inside
 // the caller's. Without Conferma() the work is undone.
+//
+// A unit that need not be recoverable (`recuperabile` false) takes no savepoint inside the
+// caller's transaction on PostgreSQL, where thousands of savepoints in one transaction slow
+// every statement down: when it fails, the caller's whole transaction is undone instead (its
+// commit rolls back and throws). Journal and balances still never part.
 class Atomico {
  public:
-  explicit Atomico(Connessione& cn);
+  explicit Atomico(Connessione& cn, bool recuperabile = true);
   ~Atomico();
   void Conferma();
   Atomico(const Atomico&) = delete;
@@ -254,6 +268,7 @@ class Atomico {
  private:
   Connessione& cn_;
   std::string savepoint_;
+  bool propria_ = false;  // a transaction of its own
   bool fatto_ = false;
 };
 

@@ -115,14 +115,26 @@ class ConnessionePostgres final : public Connessione {
     preparate_.clear();
   }
 
-  void BeginTrans() override { Esegui("BEGIN"); }
+  void BeginTrans() override {
+    Esegui("BEGIN");
+    SegnaCompromessa(false);
+  }
   void CommitTrans() override {
     if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
+    // The server turns the COMMIT of a failed transaction into a ROLLBACK without an error:
+    // the caller must not believe its work saved.
+    if (PQtransactionStatus(c_) == PQTRANS_INERROR || Compromessa()) {
+      Esegui("ROLLBACK");
+      throw ErroreDb(NumeroDaSqlState("25P02"),
+                     "Transazione annullata: un'operazione al suo interno non è andata a buon fine, nulla è stato registrato.",
+                     "25P02");
+    }
     Esegui("COMMIT");
   }
   void RollbackTrans() override {
     if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
     Esegui("ROLLBACK");
+    SegnaCompromessa(false);
   }
   bool InTransazione() const override {
     if (!c_) return false;

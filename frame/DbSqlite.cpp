@@ -112,9 +112,23 @@ class ConnessioneSqlite final : public Connessione {
     db_ = nullptr;
   }
 
-  void BeginTrans() override { Esegui("BEGIN IMMEDIATE"); }
-  void CommitTrans() override { Esegui("COMMIT"); }
-  void RollbackTrans() override { Esegui("ROLLBACK"); }
+  void BeginTrans() override {
+    Esegui("BEGIN IMMEDIATE");
+    SegnaCompromessa(false);
+  }
+  void CommitTrans() override {
+    if (Compromessa() && InTransazione()) {
+      Esegui("ROLLBACK");
+      SegnaCompromessa(false);
+      throw ErroreDb(SQLITE_ABORT,
+                     "Transazione annullata: un'operazione al suo interno non è andata a buon fine, nulla è stato registrato.");
+    }
+    Esegui("COMMIT");
+  }
+  void RollbackTrans() override {
+    Esegui("ROLLBACK");
+    SegnaCompromessa(false);
+  }
   bool InTransazione() const override { return db_ && !sqlite3_get_autocommit(db_); }
 
   std::vector<std::string> Tabelle() override {

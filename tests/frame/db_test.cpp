@@ -202,3 +202,58 @@ TEST_P(DataLayerScan, StatementsInsideAScanDoNotCutIt) {
   EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [Righe]").Int(), 5000);
 }
 VORN_SU_DUE_MOTORI(DataLayerScan);
+
+class DataLayerUnits : public DbTest {
+ protected:
+  void SetUp() override {
+    DbTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    cn->Esegui("CREATE TABLE [T] ([Codice] TEXT PRIMARY KEY)");
+  }
+  int64_t Righe() { return cn->Scalare("SELECT count(*) FROM [T]").Int(); }
+};
+
+TEST_P(DataLayerUnits, CommitOfAFailedTransactionSaysSoAndKeepsNothing) {
+  cn->BeginTrans();
+  cn->Esegui("INSERT INTO [T] VALUES ('A')");
+  EXPECT_THROW(cn->Esegui("INSERT INTO [T] VALUES ('A')"), ErroreDb);
+  if (Pg()) {
+    // The server has spoiled the transaction: its commit must not look like a success.
+    EXPECT_THROW(cn->CommitTrans(), ErroreDb);
+    EXPECT_EQ(Righe(), 0);
+  } else {
+    cn->CommitTrans();  // SQLite undoes the failed statement only
+    EXPECT_EQ(Righe(), 1);
+  }
+  EXPECT_FALSE(cn->InTransazione());
+}
+
+TEST_P(DataLayerUnits, AnUnrecoverableUnitThatFailsUndoesTheCallersTransaction) {
+  cn->BeginTrans();
+  cn->Esegui("INSERT INTO [T] VALUES ('A')");
+  try {
+    Atomico u(*cn, false);
+    cn->Esegui("INSERT INTO [T] VALUES ('B')");
+    throw std::runtime_error("a failure that is no database error");
+  } catch (const std::runtime_error&) {
+  }
+  if (Pg()) {
+    EXPECT_THROW(cn->CommitTrans(), ErroreDb);
+    EXPECT_EQ(Righe(), 0);  // neither the unit nor the caller's work: nothing half-written
+  } else {
+    cn->CommitTrans();  // a savepoint undid the unit alone
+    EXPECT_EQ(Righe(), 1);
+  }
+  // Nested units reuse their savepoint names and stay balanced.
+  for (int i = 0; i < 3; ++i) {
+    Atomico esterna(*cn);
+    {
+      Atomico interna(*cn);
+      cn->Esegui("INSERT INTO [T] VALUES (?)", {"N" + std::to_string(i)});
+      interna.Conferma();
+    }
+    esterna.Conferma();
+  }
+  EXPECT_EQ(Righe(), Pg() ? 3 : 4);
+}
+VORN_SU_DUE_MOTORI(DataLayerUnits);
