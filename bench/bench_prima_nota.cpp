@@ -212,6 +212,8 @@ void Registrazione(bool pg, int n, bool unica) {
     Anagrafiche(*az.cn);
     clsPrimaNota pn;
     pn.cn = az.cn;
+    // One transaction for the whole run is a bulk poster's: a failed row undoes the batch.
+    pn.UnitaRecuperabili = !unica;
     bool cancel = false;
     auto t0 = Orologio::now();
     if (unica) az.cn->BeginTrans();

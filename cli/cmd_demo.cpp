@@ -205,6 +205,8 @@ class Registratore {
  public:
   Registratore(Connessione& cn, IForm* form, int lotto) : cn_(cn), form_(form), lotto_(lotto) {
     pn_.cn = cn.shared_from_this();
+    // Batches commit whole or not at all: no savepoint per row.
+    pn_.UnitaRecuperabili = false;
     numero_ = pn_.GetNumeroNuovaRegistrazionePrimaNota() - 1;
   }
 

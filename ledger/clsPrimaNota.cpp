@@ -612,7 +612,7 @@ void clsPrimaNota::ScaricaRaccolta() {
   if (!raccolta_) return;
   auto dati = std::move(*raccolta_);
   AnnullaRaccolta();
-  Atomico a(*cn);
+  Atomico a(*cn, UnitaRecuperabili);
   for (const auto& [k, d] : dati) {
     if (k.tipo == 'S') ScriviSaldoSottoconto(k.a, k.b, k.c, d);
     else ScriviSaldoCliFor(k.tipo, k.a, d);
@@ -678,7 +678,7 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
   valori[iHwnd] = Valore(static_cast<long long>(hWnd));
 
   // The row and its balance movement land together or not at all.
-  Atomico unita(*cn);
+  Atomico unita(*cn, UnitaRecuperabili);
 
   std::string w;
   Parametri pw;
@@ -733,7 +733,7 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
 }
 
 int64_t clsPrimaNota::StornaECancella(const std::string& where, const Parametri& p) {
-  Atomico unita(*cn);
+  Atomico unita(*cn, UnitaRecuperabili);
   Recordset rs = cn->Execute(std::string("SELECT ") + kColonneMovimento + " FROM [Prima Nota] WHERE " + where, p);
   std::vector<Valore> r(8);
   int64_t n = 0;
@@ -781,7 +781,7 @@ int32_t clsPrimaNota::CancellaPrimaNota(const Valore& NumeroRegistrazione_Inizia
   FiltroCausale(w, p, codiceCausale);
   // A range may cover the whole journal: the rows are streamed, their effect gathered per
   // balance row and written once, then one DELETE.
-  Atomico unita(*cn);
+  Atomico unita(*cn, UnitaRecuperabili);
   bool propria = !InRaccolta();
   if (propria) IniziaRaccolta();
   int64_t n = 0;
@@ -805,7 +805,7 @@ int32_t clsPrimaNota::CancellaPrimaNota(const Valore& NumeroRegistrazione_Inizia
 bool clsPrimaNota::AzzeraPrimaNota() {
   try {
     AssicuraConnessione();
-    Atomico unita(*cn);
+    Atomico unita(*cn, UnitaRecuperabili);
     cn->Esegui("DELETE FROM [Prima Nota]");
     unita.Conferma();
     return true;
@@ -847,7 +847,7 @@ bool clsPrimaNota::ManipolaIndicatoriPrimaNota(const Valore& NumeroRegistrazione
     FiltroCausale(w, p, Causale);
     cn->Esegui("UPDATE [Prima Nota] SET " + set + " WHERE " + w + extra, p);
   };
-  Atomico unita(*cn);
+  Atomico unita(*cn, UnitaRecuperabili);
   if (tipo == "G") {
     esegui("[DataRegistrazione]", "");
   } else if (T(IndIVAAutotrasportatori) == "1") {

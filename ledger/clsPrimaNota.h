@@ -40,6 +40,12 @@ struct MovimentoPrimaNota {
 class clsPrimaNota {
  public:
   std::shared_ptr<Connessione> cn;
+  // Each save and delete lands with its balance movement or not at all. Inside the caller's
+  // transaction a savepoint lets the caller go on after one failed row; a bulk poster that
+  // commits or rolls back whole batches may turn it off: on PostgreSQL thousands of savepoints
+  // in one transaction slow every statement, and without them a failed row undoes the
+  // caller's whole transaction instead (its commit rolls back and throws).
+  bool UnitaRecuperabili = true;
 
   // ---------------------------------------------------------------- rows
 
