@@ -353,6 +353,28 @@ TEST_P(PrimaNotaTest, AFailedSaveLeavesJournalAndBalancesInStep) {
   EXPECT_TRUE(VerificaSaldi(*cn).empty());
 }
 
+TEST_P(PrimaNotaTest, ABulkBatchThatFailsLeavesJournalAndBalancesInStep) {
+  Guasto();
+  pn.UnitaRecuperabili = false;
+  cn->BeginTrans();
+  Salva(Riga("00001", "", "001", "D", "1201001", "100", "V01", "C", "1"));
+  auto boom = Riga("00001", "", "002", "A", "1201001", "40", "V01", "C", "1");
+  boom["DescrizioneSupplem"] = Valore("BOOM");
+  bool cancel = false;
+  EXPECT_THROW(pn.SalvaRecord(boom, Valore("prova"), 1, cancel), ErroreDb);
+  if (Pg()) {
+    // Without a savepoint the failed row spoils the batch: its commit says so and keeps nothing.
+    EXPECT_THROW(cn->CommitTrans(), ErroreDb);
+    EXPECT_EQ(Conta("Prima Nota"), 0);
+    EXPECT_FALSE(SaldoConto("1201001").esiste);
+  } else {
+    cn->CommitTrans();
+    EXPECT_EQ(Conta("Prima Nota"), 1);
+    EXPECT_EQ(SaldoConto("1201001"), S("0", "100", "0"));
+  }
+  EXPECT_TRUE(VerificaSaldi(*cn).empty());
+}
+
 TEST_P(PrimaNotaTest, DeletingAnEntryIsAllOrNothing) {
   Guasto();
   Salva(Riga("00009", "", "001", "D", "1201001", "100", "V01", "C", "1"));
