@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# The benchmarks: builds, starts a throwaway PostgreSQL, runs vorn_bench with the given
+# arguments (default: posting at 10,000 and 100,000 entries, the rebuild of a million rows,
+# the ledger cards), stops the server.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+bash scripts/build.sh build
+source scripts/pg.sh
+trap pg_ferma EXIT
+trap 'pg_ferma; exit 130' INT TERM
+pg_avvia
+B=build/bench/vorn_bench
+if [ $# -gt 0 ]; then exec "$B" "$@"; fi
+"$B" --righe 10000 --motore entrambi --transazioni entrambe
+"$B" --righe 100000 --motore sqlite --transazioni unica
+"$B" --righe 100000 --motore postgres --transazioni registrazione
+"$B" --righe 1000 --ricostruzione 1000000 --motore entrambi
+"$B" mastrini --motore entrambi
