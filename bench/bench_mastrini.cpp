@@ -28,6 +28,7 @@
 #include "frame/Globali.h"
 #include "frame/Host.h"
 #include "frame/Schema.h"
+#include "bench/AziendaBench.h"
 #include "ledger/clsSaldiContabili.h"
 #include "ledger/clsStampaMastrini.h"
 #include "ledger/clsVisualizzaMastrini.h"
@@ -36,67 +37,9 @@ using namespace vorn;
 
 namespace {
 
-using Orologio = std::chrono::steady_clock;
-double Secondi(Orologio::time_point da) { return std::chrono::duration<double>(Orologio::now() - da).count(); }
-
-std::string Ambiente(const char* k) {
-  const char* v = std::getenv(k);
-  return v ? v : "";
-}
-
-// A fresh company on one engine, with a folder of its own for the reports; removed at the end.
-class AziendaMastrini {
- public:
-  explicit AziendaMastrini(bool pg) : pg_(pg) {
-    cartella_ = std::filesystem::temp_directory_path().string() + "/vorn_bench_mastrini_" + std::to_string(getpid());
-    std::filesystem::create_directories(cartella_);
-    host_ = std::make_unique<HostSilenzioso>(cartella_);
-    ImpostaHost(host_.get());
-    if (pg_) {
-      p_.host = Ambiente("VORN_PG_HOST");
-      p_.port = Ambiente("VORN_PG_PORT");
-      p_.user = Ambiente("VORN_PG_USER");
-      p_.password = Ambiente("VORN_PG_PASSWORD");
-      p_.database = Ambiente("VORN_PG_DB").empty() ? "postgres" : Ambiente("VORN_PG_DB");
-      auto admin = Connessione::ApriPostgres(p_);
-      p_.schema = "bench_mastrini_" + std::to_string(getpid());
-      admin->Esegui("DROP SCHEMA IF EXISTS " + p_.schema + " CASCADE");
-      admin->Esegui("CREATE SCHEMA " + p_.schema);
-      cn = Connessione::ApriPostgres(p_);
-    } else {
-      OpzioniSqlite o;
-      o.crea = true;
-      cn = Connessione::ApriSqlite(cartella_ + "/azienda.db", o);
-    }
-    CreaSchema(*cn);
-    G().ConnessioneGlobale = cn;
-    G().IndSqlServer = pg_ ? "1" : "0";
-  }
-  ~AziendaMastrini() {
-    G().ConnessioneGlobale.reset();
-    cn->Close();
-    cn.reset();
-    if (pg_) {
-      try {
-        ParametriPostgres p = p_;
-        p.schema.clear();
-        Connessione::ApriPostgres(p)->Esegui("DROP SCHEMA " + p_.schema + " CASCADE");
-      } catch (const std::exception& e) {
-        std::fprintf(stderr, "schema %s non eliminato: %s\n", p_.schema.c_str(), e.what());
-      }
-    }
-    ImpostaHost(nullptr);
-    std::error_code ec;
-    std::filesystem::remove_all(cartella_, ec);
-  }
-  std::shared_ptr<Connessione> cn;
-
- private:
-  bool pg_;
-  ParametriPostgres p_;
-  std::string cartella_;
-  std::unique_ptr<HostSilenzioso> host_;
-};
+using AziendaMastrini = bench::AziendaBench;
+using bench::Orologio;
+using bench::Secondi;
 
 // A grid that only counts.
 class GrigliaConta : public IGrigliaMastrino {
@@ -205,7 +148,7 @@ void Riga(const char* motore, const char* prova, const Tempi& t, const std::stri
 
 int Esegui(bool pg, long righe, long righeConto, int ripetizioni) {
   const char* motore = pg ? "postgres" : "sqlite";
-  AziendaMastrini az(pg);
+  AziendaMastrini az(pg, "mastrini");
   const Data verifica = *Data::Crea(2023, 6, 30);
   auto t0 = Orologio::now();
   Attesi attesi = Carica(*az.cn, righe, righeConto, verifica);
@@ -313,7 +256,7 @@ int BenchMastrini(int argc, char** argv) {
   try {
     if (motore == "sqlite" || motore == "entrambi") rc |= Esegui(false, righe, righeConto, ripetizioni);
     if (motore == "postgres" || motore == "entrambi") {
-      if (Ambiente("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
+      if (bench::Env("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
       else rc |= Esegui(true, righe, righeConto, ripetizioni);
     }
   } catch (const ErroreDb& e) {

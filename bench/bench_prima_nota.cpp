@@ -29,6 +29,7 @@
 #include "frame/Globali.h"
 #include "frame/Host.h"
 #include "frame/Schema.h"
+#include "bench/AziendaBench.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsPrimaNota.h"
 #include "ledger/clsRicosContabile.h"
@@ -42,67 +43,10 @@ using namespace vorn;
 
 namespace {
 
-using Orologio = std::chrono::steady_clock;
-
-double Secondi(Orologio::time_point da) { return std::chrono::duration<double>(Orologio::now() - da).count(); }
-
-std::string Env(const char* k) {
-  const char* v = std::getenv(k);
-  return v ? v : "";
-}
-
-// A fresh company on one engine, removed at the end.
-class Azienda {
- public:
-  Azienda(bool pg, const std::string& nome) : pg_(pg) {
-    if (pg_) {
-      p_.host = Env("VORN_PG_HOST");
-      p_.port = Env("VORN_PG_PORT");
-      p_.user = Env("VORN_PG_USER");
-      p_.password = Env("VORN_PG_PASSWORD");
-      p_.database = Env("VORN_PG_DB").empty() ? "postgres" : Env("VORN_PG_DB");
-      auto admin = Connessione::ApriPostgres(p_);
-      p_.schema = nome + "_" + std::to_string(getpid());
-      admin->Esegui("DROP SCHEMA IF EXISTS " + p_.schema + " CASCADE");
-      admin->Esegui("CREATE SCHEMA " + p_.schema);
-      cn = Connessione::ApriPostgres(p_);
-    } else {
-      file_ = std::filesystem::temp_directory_path().string() + "/vorn_bench_" + nome + "_" + std::to_string(getpid()) + ".db";
-      Rimuovi();
-      OpzioniSqlite o;
-      o.crea = true;
-      cn = Connessione::ApriSqlite(file_, o);
-    }
-    CreaSchema(*cn);
-    G().ConnessioneGlobale = cn;
-    G().IndSqlServer = pg_ ? "1" : "0";
-  }
-  ~Azienda() {
-    G().ConnessioneGlobale.reset();
-    cn->Close();
-    cn.reset();
-    if (pg_) {
-      try {
-        ParametriPostgres p = p_;
-        p.schema.clear();
-        Connessione::ApriPostgres(p)->Esegui("DROP SCHEMA " + p_.schema + " CASCADE");
-      } catch (...) {
-      }
-    } else {
-      Rimuovi();
-    }
-  }
-  std::shared_ptr<Connessione> cn;
-
- private:
-  void Rimuovi() {
-    std::error_code ec;
-    for (const char* s : {"", "-wal", "-shm"}) std::filesystem::remove(file_ + s, ec);
-  }
-  bool pg_;
-  ParametriPostgres p_;
-  std::string file_;
-};
+using Azienda = bench::AziendaBench;
+using bench::Orologio;
+using bench::Secondi;
+using bench::Env;
 
 void Anagrafiche(Connessione& cn) {
   Atomico a(cn);
