@@ -186,7 +186,7 @@ TEST_P(AziendaDemo, TheBooksAreThoseOfARealYear) {
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Anagrafica Fornitori]").ComeIntero(), 8);
 }
 
-TEST_P(AziendaDemo, TheSeedDecidesTheBooks) {
+TEST_P(AziendaDemo, TheStartingNumberDecidesTheBooks) {
   cli::RiempiAziendaDemo(*cn, Piccola(7));
   std::string qui = Impronta(*cn);
   // The same --seme on an SQLite company of its own: the same rows, whatever the engine here.
