@@ -38,6 +38,10 @@ class ErroreDb : public std::runtime_error {
   std::string sqlstate_;
 };
 
+// What a commit says when a failure inside the transaction has undone it.
+inline constexpr const char* kMsgTransazioneAnnullata =
+    "Transazione annullata: un'operazione al suo interno non è andata a buon fine, nulla è stato registrato.";
+
 // Field types, with the numbers of the host's field-type enumeration.
 enum class TipoCampo : int {
   Vuoto = 0,

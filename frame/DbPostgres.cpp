@@ -126,7 +126,7 @@ class ConnessionePostgres final : public Connessione {
     if (PQtransactionStatus(c_) == PQTRANS_INERROR || Compromessa()) {
       Esegui("ROLLBACK");
       throw ErroreDb(NumeroDaSqlState("25P02"),
-                     "Transazione annullata: un'operazione al suo interno non è andata a buon fine, nulla è stato registrato.",
+                     kMsgTransazioneAnnullata,
                      "25P02");
     }
     Esegui("COMMIT");

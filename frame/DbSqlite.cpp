@@ -121,7 +121,7 @@ class ConnessioneSqlite final : public Connessione {
       Esegui("ROLLBACK");
       SegnaCompromessa(false);
       throw ErroreDb(SQLITE_ABORT,
-                     "Transazione annullata: un'operazione al suo interno non è andata a buon fine, nulla è stato registrato.");
+                     kMsgTransazioneAnnullata);
     }
     Esegui("COMMIT");
   }

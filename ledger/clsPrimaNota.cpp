@@ -133,24 +133,6 @@ const std::string& SqlAggiornaRigaSet() {
 
 const char* const kChiavePN[4] = {"NumeroRegistrazione", "TipoRigaIvaNormale", "NumRigaAVideo", "DareAvere"};
 
-// The columns that a movement reads, then the key and the status string.
-const char* const kColonneMovimento =
-    "[CodiceCausale], [ContoPrimaNota], [IndClienteFornitore], [CodClienteFornitore], [DareAvere], "
-    "[ImportoMovimento], [Cambio], [DataCompetenza]";
-
-MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r) {
-  MovimentoPrimaNota m;
-  m.CodiceCausale = r[0];
-  m.ContoPrimaNota = r[1];
-  m.IndClienteFornitore = r[2];
-  m.CodClienteFornitore = r[3];
-  m.DareAvere = r[4];
-  m.ImportoMovimento = r[5];
-  m.Cambio = r[6];
-  m.DataCompetenza = r[7];
-  return m;
-}
-
 // The i-th character (1-based) of a text, a blank beyond its end.
 std::string Carattere(const std::string& s, size_t i) {
   std::string c = MedioTesto(s, i, 1);
@@ -298,6 +280,23 @@ const SqlSaldo& SqlFornitori() {
 }
 
 }  // namespace
+
+const char* const kColonneMovimento =
+    "[CodiceCausale], [ContoPrimaNota], [IndClienteFornitore], [CodClienteFornitore], [DareAvere], "
+    "[ImportoMovimento], [Cambio], [DataCompetenza]";
+
+MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r, size_t da) {
+  MovimentoPrimaNota m;
+  m.CodiceCausale = r[da];
+  m.ContoPrimaNota = r[da + 1];
+  m.IndClienteFornitore = r[da + 2];
+  m.CodClienteFornitore = r[da + 3];
+  m.DareAvere = r[da + 4];
+  m.ImportoMovimento = r[da + 5];
+  m.Cambio = r[da + 6];
+  m.DataCompetenza = r[da + 7];
+  return m;
+}
 
 // ---------------------------------------------------------------- connection and caches
 

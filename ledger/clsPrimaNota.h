@@ -37,6 +37,11 @@ struct MovimentoPrimaNota {
   Valore DataCompetenza;
 };
 
+// The journal columns a movement reads, in the order of MovimentoPrimaNota, for a SELECT list.
+extern const char* const kColonneMovimento;
+// A movement from a row whose columns, from `da` on, are kColonneMovimento.
+MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r, size_t da = 0);
+
 class clsPrimaNota {
  public:
   std::shared_ptr<Connessione> cn;

@@ -52,23 +52,13 @@ bool clsRicosContabile::RicostruisciSaldiContabili(IForm* frm_FormAttiva, clsPri
   int64_t righe = 0;
   try {
     cn->Scorri(
-        "SELECT [NumeroRegistrazione], [CodiceCausale], [ContoPrimaNota], [IndClienteFornitore], "
-        "[CodClienteFornitore], [DareAvere], [ImportoMovimento], [Cambio], [DataCompetenza] "
-        "FROM [Prima Nota] ORDER BY [NumeroRegistrazione]",
+        std::string("SELECT [NumeroRegistrazione], ") + kColonneMovimento +
+            " FROM [Prima Nota] ORDER BY [NumeroRegistrazione]",
         {}, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
           ++righe;
           if (frm_FormAttiva)
             frm_FormAttiva->msgbar("Elaborazione registrazione n. " + (r[0].IsNull() ? std::string() : Trim(r[0].Testo())));
-          MovimentoPrimaNota m;
-          m.CodiceCausale = r[1];
-          m.ContoPrimaNota = r[2];
-          m.IndClienteFornitore = r[3];
-          m.CodClienteFornitore = r[4];
-          m.DareAvere = r[5];
-          m.ImportoMovimento = r[6];
-          m.Cambio = r[7];
-          m.DataCompetenza = r[8];
-          objPrimaNota.MovimentaRecordContabile(m, false);
+          objPrimaNota.MovimentaRecordContabile(MovimentoDaRiga(r, 1), false);
           return true;
         });
     if (righe == 0) {
