@@ -15,28 +15,36 @@ SchedaMastrino SchedaDa(const Valore& sottoconto, const Valore& ind, const Valor
 }
 
 PeriodoMastrino PeriodoDa(const Valore& daData, const Valore& aData, const Valore& ultimoScarico) {
-  PeriodoMastrino p{DataCorretta(daData), DataCorretta(aData)};
-  if (!p.dal) {
-    if (auto u = DataCorretta(ultimoScarico)) p.dal = u->AggiungiGiorni(1);
-  }
+  PeriodoMastrino p{DataCorretta(daData), DataCorretta(aData), std::nullopt};
+  if (!p.dal) p.scarico = DataCorretta(ultimoScarico);
   return p;
 }
 
 AperturaMastrino AperturaDa(clsSaldiContabili& saldi, const Valore& ultimoScarico, const PeriodoMastrino& periodo,
                             const SchedaMastrino& scheda) {
   AperturaMastrino a;
-  // Without a first day (and no unload) the card starts from nothing.
-  if (!periodo.dal) return a;
-  Valore da("");
-  Valore al(periodo.dal->AggiungiGiorni(-1));
   Importo inizialeProgr, dareProgr, avereProgr, inizialePeriodo, darePeriodo, averePeriodo;
-  if (scheda.CliFor())
-    saldi.GetSaldiADataCliFor(ultimoScarico, da, al, Valore(scheda.sottoconto), Valore(scheda.ind),
-                              Valore(scheda.cod), inizialeProgr, dareProgr, avereProgr, inizialePeriodo, darePeriodo,
-                              averePeriodo);
-  else
-    saldi.GetSaldiADataSottoconto(ultimoScarico, da, al, Valore(scheda.sottoconto), inizialeProgr, dareProgr,
-                                  avereProgr, inizialePeriodo, darePeriodo, averePeriodo);
+  if (!periodo.dal) {
+    // An open start: the progressives of the unload, when there is one; the rows follow.
+    if (periodo.scarico) {
+      if (scheda.CliFor())
+        saldi.GetProgressiviUltimoScaricoCliFor(Valore(scheda.sottoconto), Valore(scheda.ind), Valore(scheda.cod),
+                                                inizialeProgr, dareProgr, avereProgr);
+      else
+        saldi.GetProgressiviUltimoScaricoSottoconto(Valore(scheda.sottoconto), inizialeProgr, dareProgr, avereProgr);
+    }
+  } else {
+    // Everything up to the day before the first: the balance at that day.
+    Valore da("");
+    Valore al(periodo.dal->AggiungiGiorni(-1));
+    if (scheda.CliFor())
+      saldi.GetSaldiADataCliFor(ultimoScarico, da, al, Valore(scheda.sottoconto), Valore(scheda.ind),
+                                Valore(scheda.cod), inizialeProgr, dareProgr, avereProgr, inizialePeriodo,
+                                darePeriodo, averePeriodo);
+    else
+      saldi.GetSaldiADataSottoconto(ultimoScarico, da, al, Valore(scheda.sottoconto), inizialeProgr, dareProgr,
+                                    avereProgr, inizialePeriodo, darePeriodo, averePeriodo);
+  }
   a.saldoIniziale = inizialeProgr + inizialePeriodo;
   a.dare = dareProgr + darePeriodo;
   a.avere = avereProgr + averePeriodo;

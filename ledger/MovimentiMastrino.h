@@ -24,9 +24,11 @@ struct SchedaMastrino {
 SchedaMastrino SchedaDa(const Valore& sottoconto, const Valore& ind, const Valore& cod);
 
 // The days of the rows; a missing bound leaves that end open. An open start with an unload
-// behind it begins the day after the unload: what lies before is in the progressives.
+// behind it opens with the progressives of the unload and then shows every row the journal
+// still holds, also those registered after the unload with an earlier competence date.
 struct PeriodoMastrino {
   std::optional<Data> dal, al;
+  std::optional<Data> scarico;  // the last unload, when the start is open
 };
 PeriodoMastrino PeriodoDa(const Valore& daData, const Valore& aData, const Valore& ultimoScarico);
 

@@ -187,18 +187,26 @@ Importo clsSaldiContabili::SaldiAData(const Valore& ultimoScarico, Valore& daDat
   inizialePeriodo = darePeriodo = averePeriodo = Importo();
   auto scarico = DataCorretta(ultimoScarico);
   auto da = DataCorretta(daData);
+  // A period that joins the unload takes every row the journal still holds up to its end: an
+  // entry registered after the unload may have an earlier competence date, and the unload did
+  // not take it. So the journal half starts at the journal's first date.
+  bool unito = false;
   if (scarico) {
     Data giornoDopo = scarico->AggiungiGiorni(1);
     if (da && *da == giornoDopo) {
-      // The period joins the unload.
-      Progressivi(f, inizialeProgr, dareProgr, avereProgr);
+      unito = true;
     } else if (!da) {
-      Progressivi(f, inizialeProgr, dareProgr, avereProgr);
+      unito = true;
       daData = Valore(giornoDopo.Testo());
       da = giornoDopo;
     }
+    if (unito) Progressivi(f, inizialeProgr, dareProgr, avereProgr);
   }
-  std::optional<Data> dal = da ? da : GetDataMinimaCompetenzaPrimaNota().ComeData();
+  std::optional<Data> dal = da;
+  if (!dal || unito) {
+    auto primo = GetDataMinimaCompetenzaPrimaNota().ComeData();
+    if (!dal || (primo && *primo < *dal)) dal = primo;
+  }
   std::optional<Data> al = DataCorretta(aData);
   if (!al) al = GetDataMassimaCompetenzaPrimaNota().ComeData();
   if (dal && al && *dal <= *al)

@@ -65,7 +65,10 @@ class clsSaldiContabili {
   //    after the unload, "dd/mm/yyyy", for the caller too;
   //  - any other start: the progressives are zero.
   // The period runs from the start (the journal's first date when none) to `avar_AData` (its
-  // last date when none); a period that ends before it starts gives zero period amounts.
+  // last date when none); a period that ends before it starts gives zero period amounts. A
+  // period that joins the unload also takes the journal's rows dated before its start: they
+  // were registered after the unload, which left them in the journal. So the result at a date
+  // is always that of GetSaldoSottocontoAData.
   // The result is the signed total of the six outputs.
   Importo GetSaldiADataSottoconto(clsProgAzienda& objProgAzienda, Valore& avar_DaData, const Valore& avar_AData,
                                   const Valore& avar_Sottoconto, Importo& SaldoInizialeProgr, Importo& DareProgressivo,

@@ -10,6 +10,7 @@
 #include "frame/FileVorn.h"
 #include "frame/Impaginazione.h"
 #include "ledger/MovimentiMastrino.h"
+#include "ledger/clsPrimaNota.h"
 #include "ledger/clsSaldiContabili.h"
 
 namespace vorn {
@@ -375,11 +376,12 @@ long clsStampaMastrini::StampaMastriniCliFor(const ArgomentiStampaMastrini& a, c
 
 bool clsStampaMastrini::VerificaIndicatoreCliFor(const std::string& sqlstm, clsParametriAzienda& objParametriAzienda,
                                                  const Parametri& parametri) {
-  auto rs = cn->Execute(sqlstm, parametri);
+  // The rows are read whole first: no question is asked while a statement is open.
+  std::vector<std::string> conti;
+  for (auto rs = cn->Execute(sqlstm, parametri); !rs.Eof(); rs.MoveNext())
+    if (!TrimTesto(rs("IndClienteFornitore").Value()).empty()) conti.push_back(TrimTesto(rs("ContoPrimaNota").Value()));
   std::vector<std::string> corretti;
-  for (; !rs.Eof(); rs.MoveNext()) {
-    if (TrimTesto(rs("IndClienteFornitore").Value()).empty()) continue;
-    std::string conto = TrimTesto(rs("ContoPrimaNota").Value());
+  for (const auto& conto : conti) {
     if (std::find(corretti.begin(), corretti.end(), conto) != corretti.end()) continue;
     if (!objParametriAzienda.GetIndClienteFornitore(Valore(conto)).empty()) continue;
     Host().Beep();
@@ -388,9 +390,10 @@ bool clsStampaMastrini::VerificaIndicatoreCliFor(const std::string& sqlstm, clsP
                                      "'Parametri Contabili'\rVuoi correggere automaticamente l'anomalia?",
                                  vbYesNo | vbQuestion, "Verifica preliminare registrazioni contabili");
     if (risposta != vbYes) continue;
-    cn->Esegui("UPDATE [Prima Nota] SET [IndClienteFornitore] = '', [CodClienteFornitore] = '' "
-               "WHERE [ContoPrimaNota] = ?",
-               {Valore(conto)});
+    // Through the journal, so that the partners' balances lose what the rows gave them.
+    clsPrimaNota primaNota;
+    primaNota.cn = cn;
+    primaNota.TogliCliForDaSottoconto(Valore(conto));
     corretti.push_back(conto);
   }
   return true;

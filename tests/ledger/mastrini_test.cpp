@@ -9,6 +9,8 @@
 #include "company/clsProgAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
+#include "ledger/VerificaSaldi.h"
+#include "ledger/clsPrimaNota.h"
 #include "ledger/clsSaldiContabili.h"
 #include "ledger/clsStampaMastrini.h"
 #include "ledger/clsVisualizzaMastrini.h"
@@ -228,6 +230,68 @@ TEST_P(Mastrini, LaterStartOpensWithTheProgressivesAndTheJournalBeforeIt) {
   cn->Esegui("DELETE FROM [Progressivi Azienda Vorn]");
   ASSERT_TRUE(Mostra("1501001", "01/02/2025", "31/12/2025"));
   EXPECT_EQ(g.Cella_(0, V::colDare), "50,00");
+}
+
+// An entry registered after the unload with an earlier competence date stays in the journal:
+// every card ends where the balance at its last day does, whatever its start.
+TEST_P(Mastrini, LateEntryBeforeTheUnloadCountsOnEveryCardAsInTheBalanceAtADate) {
+  ImpostaUltimoScarico(*cn, "31/12/2024");
+  InserisciSaldoConto(*cn, "1501001", Imp("1000"), Imp("300"), Imp("100"));  // 1.200,00 D
+  cn->Esegui("UPDATE [Anagrafica Clienti] SET [SaldoInizProgress] = 50, [SaldoDareProgress] = 5, "
+             "[SaldoAvereProgress] = 1 WHERE [Codice Cliente] = '000123'");  // 54,00 D
+  RigaPN tardiva = Riga("00001", "1501001", "20/12/2024", "D", "80");
+  tardiva.registrazione = "15/01/2025";
+  tardiva.ind = "C", tardiva.cod = "000123";
+  Scrivi(tardiva);
+  Scrivi(Riga("00002", "1501001", "10/01/2025", "D", "50"));
+  Scrivi(Riga("00003", "1501001", "20/02/2025", "A", "30", "010"));
+  // 1200 + 80 + 50 - 30, and for the client 54 + 80.
+  EXPECT_EQ(saldi.GetSaldoSottocontoAData(Valore("31/12/2025"), Valore("1501001")), Imp("1300"));
+  EXPECT_EQ(saldi.GetSaldoSottocontoCliForAData(Valore("31/12/2025"), Valore("1501001"), Valore("C"),
+                                                Valore("000123")),
+            Imp("134"));
+
+  const auto& g = form.griglia;
+  // Open start: the unload's progressives, then every row, the late one first.
+  ASSERT_TRUE(Mostra("1501001", "", "31/12/2025"));
+  ASSERT_EQ(g.Rows(), 4);
+  EXPECT_EQ(g.Cella_(0, V::colSaldo), "1.200,00 D");
+  EXPECT_EQ(g.Cella_(1, V::colDataCompetenza), "20/12/24");
+  EXPECT_EQ(g.Cella_(1, V::colSaldo), "1.280,00 D");
+  EXPECT_EQ(g.Cella_(3, V::colSaldo), "1.300,00 D");
+  EXPECT_EQ(form.specchietto.txtSaldo, "1.300,00");
+  EXPECT_EQ(form.specchietto.txtSaldoAttuale, "1.300,00");
+  // The day after the unload and a later start: the late row is in the opening.
+  ASSERT_TRUE(Mostra("1501001", "01/01/2025", "31/12/2025"));
+  ASSERT_EQ(g.Rows(), 3);
+  EXPECT_EQ(g.Cella_(0, V::colSaldo), "1.280,00 D");
+  EXPECT_EQ(form.specchietto.txtSaldo, "1.300,00");
+  ASSERT_TRUE(Mostra("1501001", "01/02/2025", "31/12/2025"));
+  ASSERT_EQ(g.Rows(), 2);
+  EXPECT_EQ(g.Cella_(0, V::colSaldo), "1.330,00 D");
+  EXPECT_EQ(form.specchietto.txtSaldo, "1.300,00");
+  // The client's card on the same account.
+  ASSERT_TRUE(Mostra("1501001", "", "31/12/2025", "C", "000123"));
+  ASSERT_EQ(g.Rows(), 2);
+  EXPECT_EQ(g.Cella_(0, V::colSaldo), "54,00 D");
+  EXPECT_EQ(form.specchietto.txtSaldo, "134,00");
+  EXPECT_EQ(form.specchietto.txtSaldoAttuale, "134,00");
+
+  // The full statement from the unload gives the same figure, and tells the day after it.
+  Valore da("");
+  Importo ip, dp, ap, iper, dper, aper;
+  EXPECT_EQ(saldi.GetSaldiADataSottoconto(prog, da, Valore("31/12/2025"), Valore("1501001"), ip, dp, ap, iper, dper,
+                                          aper),
+            Imp("1300"));
+  EXPECT_EQ(da, Valore("01/01/2025"));
+  EXPECT_EQ(dper, Imp("130"));
+
+  // The printed card, open at the start, closes on the same balance.
+  auto a = Argomenti("tardiva.txt");
+  a.avar_DaData = Valore("");
+  ASSERT_EQ(stampa.StampaListaMastrini(a, {VoceMastrino{"1501001", "", ""}}), 1);
+  std::string card = LeggiFile(a.nomeFile);
+  EXPECT_NE(card.find("SALDO PROG:         1.300,00 D"), std::string::npos) << card;
 }
 
 TEST_P(Mastrini, ZeroOpeningHasNoFirstLineAndACreditOpeningStandsInTheCreditColumn) {
@@ -556,6 +620,61 @@ TEST_P(MastriniCliFor, AnswerYesClearsThePartnerOfThatSubAccountOnly) {
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE [IndClienteFornitore] = 'C'"), Valore(3LL));
   EXPECT_EQ(cn->Scalare("SELECT [CodClienteFornitore] FROM [Prima Nota] WHERE [ContoPrimaNota] = '1801001'"),
             Valore(""));
+}
+
+// The yes answer goes through the journal: the partner loses what the cleared rows gave it, the
+// sub-account keeps its balance, and the check of the balances finds nothing afterwards.
+TEST_P(MastriniCliFor, AnswerYesTakesTheClearedRowsOffThePartnersBalance) {
+  cn->Esegui("DELETE FROM [Prima Nota]");
+  clsPrimaNota pn;
+  pn.cn = cn;
+  auto posta = [&](const std::string& numero, const std::string& riga, const std::string& da,
+                   const std::string& conto, const char* importo, const std::string& causale, const std::string& cod) {
+    bool cancel = false;
+    ASSERT_TRUE(pn.SalvaRecord({{"DataRegistrazione", Valore("10/01/2025")},
+                                {"NumeroRegistrazione", Valore(numero)},
+                                {"NumRigaAVideo", Valore(riga)},
+                                {"DareAvere", Valore(da)},
+                                {"ContoPrimaNota", Valore(conto)},
+                                {"IndClienteFornitore", Valore(cod.empty() ? "" : "C")},
+                                {"CodClienteFornitore", Valore(cod)},
+                                {"DataCompetenza", Valore("10/01/2025")},
+                                {"CodiceCausale", Valore(causale)},
+                                {"ImportoMovimento", Valore(Imp(importo))}},
+                               Valore("prova"), 1, cancel));
+  };
+  // Cash wrongly carrying client 000300: a receipt of 5 and an opening of 100 (operativity 1).
+  posta("00001", "001", "D", "1801001", "5", "010", "000300");
+  posta("00001", "002", "A", "4001001", "5", "010", "");
+  posta("00002", "001", "D", "1801001", "100", "099", "000300");
+  posta("00002", "002", "A", "4001001", "100", "099", "");
+  // The same client on its own control account: this row keeps its partner.
+  posta("00003", "001", "D", "1501001", "40.25", "001", "000300");
+  posta("00003", "002", "A", "4001001", "40.25", "001", "");
+  ASSERT_EQ(VerificaSaldi(*cn).size(), 0u);
+  auto saldo = [&](const std::string& sql, const Parametri& p) {
+    Recordset rs = cn->Execute(sql, p);
+    return NullToZeroCy(rs.Fields(0).Value()).TestoPunto4() + " " + NullToZeroCy(rs.Fields(1).Value()).TestoPunto4() +
+           " " + NullToZeroCy(rs.Fields(2).Value()).TestoPunto4();
+  };
+  const std::string cliente =
+      "SELECT [SaldoInizPeriodo], [SaldoDarePeriodo], [SaldoAverePeriodo] FROM [Anagrafica Clienti] "
+      "WHERE [Codice Cliente] = ?";
+  const std::string cassa =
+      "SELECT [SaldoInizialePeriodo], [SaldoDarePeriodo], [SaldoAverePeriodo] FROM [Saldi Piano Dei Conti] "
+      "WHERE [CodiceGruppo] = '18' AND [CodiceConto] = '01' AND [CodiceSottoconto] = '001'";
+  EXPECT_EQ(saldo(cliente, {Valore("000300")}), "100.0000 45.2500 0.0000");
+
+  host->Rispondi(vbYes);
+  stampa.VerificaIndicatoreCliFor(
+      "SELECT DISTINCT [ContoPrimaNota], [IndClienteFornitore] FROM [Prima Nota] WHERE [IndClienteFornitore] = 'C'",
+      parametri);
+  ASSERT_EQ(host->Messaggi().size(), 1u);
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE [IndClienteFornitore] = 'C'"), Valore(1LL));
+  // 100 of opening and 5 of debit leave the client; the cash account keeps both.
+  EXPECT_EQ(saldo(cliente, {Valore("000300")}), "0.0000 40.2500 0.0000");
+  EXPECT_EQ(saldo(cassa, {}), "100.0000 5.0000 0.0000");
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
 TEST_P(MastriniCliFor, FiltersAndSorts) {
