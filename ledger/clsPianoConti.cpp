@@ -168,9 +168,12 @@ bool clsPianoConti::LocalizzaRamoConto(Recordset& T, const Valore& Gruppo, const
 }
 
 bool clsPianoConti::LocalizzaRamoGruppo(Recordset& T, const Valore& Gruppo) {
+  // The group's rows without a sub-account, and every row whose sub-account is Null, of any
+  // group: the client's tree takes the branch in this form.
   Filtro f;
   f.Parte(kChiavePiano.gruppo, Gruppo);
   f.Parte(kChiavePiano.sottoconto, Valore(""));
+  f.where = "(" + f.where + ") OR " + kChiavePiano.sottoconto + " IS NULL";
   return Elenca(*cn, T, f);
 }
 

@@ -92,7 +92,8 @@ class clsPianoConti {
   // The rows of one account (its own row included): Gruppo, Conto, Sottoconto, Descrizione in
   // key order. True when any.
   bool LocalizzaRamoConto(Recordset& T, const Valore& Gruppo, const Valore& Conto);
-  // The rows of one group without sub-account: the group row and its accounts.
+  // The rows of one group without sub-account (the group row and its accounts), and with them
+  // every row of the chart whose Sottoconto is Null, whatever its group.
   bool LocalizzaRamoGruppo(Recordset& T, const Valore& Gruppo);
   // The group rows.
   bool LocalizzaTuttiGruppi(Recordset& T);

@@ -149,9 +149,10 @@ TEST_P(PianoConti, NullPartsHaveTheSameKeyAsEmptyOnes) {
     Recordset t;
     ASSERT_TRUE(piano.LocalizzaRecord(t, Valore(g), Valore(""), Valore(""), Valore("prova"), 1));
     EXPECT_EQ(t.RecordCount(), 1u);
-    // The group's branch: its own row and its accounts, nothing of other groups.
+    // The group's branch: its own row and its accounts, and with them every row of any group
+    // whose sub-account is Null (here the group row and the account of 07).
     ASSERT_TRUE(piano.LocalizzaRamoGruppo(t, Valore(g)));
-    EXPECT_EQ(Chiavi(t), (g == "05" ? Righe{"05//", "05/01/"} : Righe{"07//", "07/01/", "07/02/"}));
+    EXPECT_EQ(Chiavi(t), (g == "05" ? Righe{"05//", "05/01/", "07//", "07/01/"} : Righe{"07//", "07/01/", "07/02/"}));
     ASSERT_TRUE(piano.LocalizzaRamoConto(t, Valore(g), Valore("01")));
     EXPECT_EQ(Chiavi(t)[0], g + "/01/");
   }
