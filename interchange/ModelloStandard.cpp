@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <set>
 
 #include "frame/Catalogo.h"
@@ -248,9 +249,31 @@ DatiModello LeggiTabellaModello(const std::string& modello, const std::string& t
 
 namespace {
 
-size_t Scrivi(Connessione& cn, const DatiModello& d, const std::string& destinazione) {
+// The caption of the box of a table's copy.
+std::string TitoloCopia(const std::string& destinazione) {
+  static const std::pair<const char*, const char*> titoli[] = {
+      {"Piano Dei Conti", "Carica piano dei conti standard"},
+      {"Causali Contabili", "Carica causali contabili standard"},
+      {"Parametri Vorn", "Carica Parametri Vorn standard"},
+      {"Riferimenti Contabili", "Carica riferimenti contabili standard"},
+      {"Causali Cespiti", "Carica causali cespiti standard"},
+      {"CespitiCategorie", "Carica CespitiCategorie standard"}};
+  for (const auto& [tabella, titolo] : titoli)
+    if (UgualeNoCase(tabella, destinazione)) return titolo;
+  return "Carica " + destinazione + " standard";
+}
+
+// Replaces the rows of `destinazione` with those of `d`. A table that the model leaves empty is
+// told and not copied: the company keeps what it has, and the result is nullopt.
+std::optional<size_t> Scrivi(Connessione& cn, const DatiModello& d, const std::string& destinazione) {
   const TabellaCatalogo* t = TabellaCatalogoDi(destinazione);
   if (!t) throw ErroreModello("Tabella sconosciuta: " + destinazione);
+  if (d.righe.empty()) {
+    std::string testo = UgualeNoCase(t->nome, "Piano Dei Conti") ? std::string("Piano dei conti dal DB origine vuoto")
+                                                                   : "Tabella '" + d.tabella + "' dal DB origine vuota.";
+    Host().MsgBox(testo, vbExclamation, TitoloCopia(t->nome));
+    return std::nullopt;
+  }
   std::string colonne, segnaposto;
   for (const auto& c : d.colonne) {
     if (!t->Colonna(c.nome)) throw ErroreModello("La tabella " + t->nome + " non ha la colonna '" + c.nome + "'.");
@@ -267,10 +290,12 @@ size_t Scrivi(Connessione& cn, const DatiModello& d, const std::string& destinaz
 
 }  // namespace
 
-size_t CaricaTabellaModello(Connessione& cn, const std::string& modello, const std::string& tabella,
-                            const std::string& tabellaDestinazione) {
+bool CaricaTabellaModello(Connessione& cn, const std::string& modello, const std::string& tabella,
+                          const std::string& tabellaDestinazione, size_t* righe) {
   DatiModello d = LeggiTabellaModello(modello, tabella);
-  return Scrivi(cn, d, tabellaDestinazione.empty() ? d.tabella : tabellaDestinazione);
+  auto n = Scrivi(cn, d, tabellaDestinazione.empty() ? d.tabella : tabellaDestinazione);
+  if (righe) *righe = n.value_or(0);
+  return n.has_value();
 }
 
 std::vector<EsitoTabellaModello> CaricaModello(Connessione& cn, const std::string& modello, IForm* form) {
@@ -281,7 +306,8 @@ std::vector<EsitoTabellaModello> CaricaModello(Connessione& cn, const std::strin
   Atomico tx(cn);
   for (const auto& d : dati) {
     if (form) form->msgbar("Caricamento " + d.tabella);
-    esito.push_back({d.tabella, Scrivi(cn, d, d.tabella)});
+    auto n = Scrivi(cn, d, d.tabella);
+    esito.push_back({d.tabella, n.value_or(0), n.has_value()});
   }
   tx.Conferma();
   return esito;

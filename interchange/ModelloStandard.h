@@ -57,17 +57,21 @@ DatiModello LeggiFileModello(const std::string& file, const std::string& tabella
 struct EsitoTabellaModello {
   std::string tabella;
   size_t righe = 0;
+  bool caricata = false;  // false: the model's table was empty, the company's left as it was
 };
 
 // Replaces the rows of `tabellaDestinazione` (the model's table when empty) with the rows of
-// one table of the model, inside the caller's transaction when there is one. Gives the rows
-// written.
-size_t CaricaTabellaModello(Connessione& cn, const std::string& modello, const std::string& tabella,
-                            const std::string& tabellaDestinazione = {});
+// one table of the model, inside the caller's transaction when there is one; `righe`, when
+// given, takes the rows written. A table that the model leaves empty is not copied: a message
+// box says so ("Piano dei conti dal DB origine vuoto" for the chart, "Tabella '...' dal DB
+// origine vuota." for the others), the company's table stays as it was and the result is false.
+bool CaricaTabellaModello(Connessione& cn, const std::string& modello, const std::string& tabella,
+                          const std::string& tabellaDestinazione = {}, size_t* righe = nullptr);
 
 // Loads a whole model into the company open on `cn`: table by table, each table emptied and
-// then filled with the model's rows, all in one transaction. An error leaves the company as it
-// was and passes to the caller. The form, when given, shows each table as it is loaded.
+// then filled with the model's rows, all in one transaction. An empty table of the model is
+// told as above and skipped, and the others go on. An error leaves the company as it was and
+// passes to the caller. The form, when given, shows each table as it is loaded.
 std::vector<EsitoTabellaModello> CaricaModello(Connessione& cn, const std::string& modello, IForm* form = nullptr);
 
 }  // namespace vorn

@@ -318,11 +318,43 @@ TEST_P(ModelloTest, LoadReplacesTheTablesAndOneTableCanGoElsewhere) {
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Piano Dei Conti]").ComeIntero(), ordinari);
 
   // The simplified chart of the model into the company's chart.
-  size_t n = CaricaTabellaModello(*cn, "standard", "Piano Dei Conti Mod Semplificati", "Piano Dei Conti");
+  size_t n = 0;
+  ASSERT_TRUE(CaricaTabellaModello(*cn, "standard", "Piano Dei Conti Mod Semplificati", "Piano Dei Conti", &n));
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Piano Dei Conti]").ComeIntero(), static_cast<int64_t>(n));
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Piano Dei Conti]").ComeIntero(),
             cn->Scalare("SELECT COUNT(*) FROM [Piano Dei Conti Mod Semplificati]").ComeIntero());
   EXPECT_NE(n, static_cast<size_t>(ordinari.value_or(0)));
+}
+
+TEST_P(ModelloTest, AnEmptyTableOfTheModelLeavesTheCompanysTableAsItWas) {
+  ModelliProva m;
+  m.File("vuoto/modello.tsv", "Piano Dei Conti\tpiano.tsv\nCausali Contabili\tcausali.tsv\n");
+  m.File("vuoto/piano.tsv", "# nothing but the header\nGruppo\tConto\tSottoconto\tDescrizione\n");
+  m.File("vuoto/causali.tsv", "CodiceCausale\tDescrizioneCausale\nV1\tVendite\n");
+  cn->Esegui("INSERT INTO [Piano Dei Conti] ([Gruppo], [Conto], [Sottoconto], [Descrizione]) "
+             "VALUES ('01', '', '', 'VECCHIO'), ('01', '01', '001', 'CASSA')");
+  cn->Esegui("INSERT INTO [Causali Contabili] ([CodiceCausale], [DescrizioneCausale]) VALUES ('X', 'vecchia')");
+
+  size_t n = 99;
+  EXPECT_FALSE(CaricaTabellaModello(*cn, "vuoto", "Piano Dei Conti", "", &n));
+  EXPECT_EQ(n, 0u);
+  EXPECT_EQ(host->Ultimo(), "Piano dei conti dal DB origine vuoto");
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Piano Dei Conti]").ComeIntero(), 2);
+
+  // The whole model: the empty chart is told and skipped, the causals are replaced.
+  auto esito = CaricaModello(*cn, "vuoto");
+  ASSERT_EQ(esito.size(), 2u);
+  EXPECT_FALSE(esito[0].caricata);
+  EXPECT_TRUE(esito[1].caricata);
+  EXPECT_EQ(esito[1].righe, 1u);
+  EXPECT_EQ(cn->Scalare("SELECT [Descrizione] FROM [Piano Dei Conti] WHERE [Sottoconto] = '001'").Testo(), "CASSA");
+  EXPECT_EQ(cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili]").Testo(), "V1");
+
+  // Another empty table is named in the message.
+  m.File("vuoto/causali.tsv", "CodiceCausale\tDescrizioneCausale\n");
+  EXPECT_FALSE(CaricaTabellaModello(*cn, "vuoto", "Causali Contabili"));
+  EXPECT_EQ(host->Ultimo(), "Tabella 'Causali Contabili' dal DB origine vuota.");
+  EXPECT_EQ(cn->Scalare("SELECT [CodiceCausale] FROM [Causali Contabili]").Testo(), "V1");
 }
 
 TEST_P(ModelloTest, AFailedLoadLeavesTheCompanyAsItWas) {
