@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 
@@ -13,7 +14,7 @@ namespace vorn {
 
 class clsAnagraficaAzienda {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // Open, stamped recordset of the row; true when there is one.
   bool LocalizzaRecord(Recordset& T, const Valore& clientID, long hWnd);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 
@@ -16,7 +17,7 @@ namespace vorn {
 
 class clsNumerazioneFogli {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // Opens the key's row for the client and stamps it; true when found.
   bool LocalizzaRecord(Recordset& T, const Valore& TipoStampa, const Valore& TipoRegistro, const Valore& NumeroRegistro,

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
@@ -15,7 +16,7 @@ namespace vorn {
 
 class clsParametriAzienda {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // Opens [Tabella Azienda] for the client and stamps its row; true when it has a row.
   bool LocalizzaRecord(Recordset& T, const Valore& clientID, long hWnd);

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
@@ -24,7 +25,7 @@ namespace vorn {
 
 class clsProgAzienda {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // Opens the row for the client and stamps it; true when the table has it.
   bool LocalizzaRecord(Recordset& T, const Valore& clientID, long hWnd);

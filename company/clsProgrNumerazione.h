@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 
@@ -20,7 +21,7 @@ namespace vorn {
 
 class clsProgrNumerazione {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // Opens the key's row for the client and stamps it; true when found.
   bool LocalizzaRecord(Recordset& T, const Valore& TipoRegistro, const Valore& IndOrdiniImpegni,

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Valore.h"
@@ -50,7 +51,7 @@ struct VoceTipoRegistroIva {
 
 class clsCausaliContabili {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The twelve TipoCausale codes, in code order.
   static const std::vector<VoceTipoCausale>& TipiCausale();

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 #include "frame/VornServer.h"
@@ -22,7 +23,7 @@ namespace vorn {
 
 class clsPianoConti {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The data columns of a chart row, after the key, in the order they are stored.
   static const std::vector<std::string>& ColonneSalvaRecord();

@@ -8,9 +8,7 @@
 namespace vorn {
 
 namespace {
-void AssicuraConnessione(const std::shared_ptr<Connessione>& cn) {
-  if (!cn) throw ErroreDb(3709, "La connessione non è aperta.");
-}
+void AssicuraConnessione(const std::shared_ptr<Connessione>& cn) { ConnessioneAssegnata(cn); }
 
 // An empty part matches an empty, blank or missing one; parts are compared without their
 // blanks, which is how two rows of one code come to exist.

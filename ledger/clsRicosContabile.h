@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Valore.h"
@@ -16,7 +17,7 @@ class clsPrimaNota;
 
 class clsRicosContabile {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // All six balance columns of every sub-account to 0.
   Valore AzzeraSaldiPianoConti();

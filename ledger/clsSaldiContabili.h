@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Importo.h"
@@ -23,7 +24,7 @@ class clsProgAzienda;
 
 class clsSaldiContabili {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The opening, debit and credit of the period [daData, aData]. The result is true; bounds that
   // are not dates give zeros.

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
@@ -47,7 +48,7 @@ struct VoceMastrino {
 
 class clsStampaMastrini {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   static constexpr int kRigheTestataScheda = 6;
   static constexpr int kRigheTestataPagina = 3;

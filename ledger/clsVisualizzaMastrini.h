@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Importo.h"
@@ -58,7 +59,7 @@ class IFormMastrino : public IForm {
 
 class clsVisualizzaMastrini {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
   // Set by the client while the grid fills (from its events): the fill ends quietly.
   std::atomic<bool> Interrompi{false};
 

@@ -30,10 +30,7 @@ std::string CondizioneBianca(const std::string& col, TipoChiave tipo) {
 
 }  // namespace
 
-Connessione& Conn(const std::shared_ptr<Connessione>& cn) {
-  if (!cn) throw ErroreDb(3709, "La connessione non è stata assegnata alla classe (cn).");
-  return *cn;
-}
+Connessione& Conn(const std::shared_ptr<Connessione>& cn) { return ConnessioneAssegnata(cn); }
 
 Valore ValoreChiave(const ChiaveAnagrafica& c, const Valore& v) {
   if (c.tipo != TipoChiave::Numero) return v.IsEmpty() ? Valore(std::string()) : v;

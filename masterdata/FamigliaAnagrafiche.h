@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 #include "frame/VornServer.h"
@@ -104,7 +105,7 @@ RecordValori Record(const std::vector<std::string>& nomi, const std::vector<Valo
 template <class Classe, size_t N, size_t P = 1>
 class FamigliaAnagrafiche {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   bool LocalizzaRecord(Recordset& T, const Valore& k1, const Valore& clientID, long hWnd)
     requires(N == 1)

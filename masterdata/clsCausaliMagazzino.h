@@ -2,13 +2,14 @@
 #pragma once
 #include <memory>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 
 namespace vorn {
 
 class clsCausaliMagazzino {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // `Controparte` of the causal, "N" when missing.
   Valore GetControparteCausale(const Valore& codice_causale);

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Importo.h"
 #include "frame/Valore.h"
@@ -34,7 +35,7 @@ std::string SegnoDareAvere(Importo saldo);
 
 class clsClientiFornitori {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The columns each save writes.
   static const std::vector<std::string>& ColonneSalvaRecord();

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Valore.h"
@@ -26,7 +27,7 @@ namespace vorn {
 
 class clsCodiciIva {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The data columns that SalvaRecord writes, after the key, in their stored order.
   static const std::vector<std::string>& ColonneSalvaRecord();

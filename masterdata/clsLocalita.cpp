@@ -7,7 +7,8 @@
 namespace vorn {
 
 bool clsLocalita::GetDatiLocalità(int32_t ID, Valore& Localita, Valore& Provincia, Valore& Cap) {
-  auto conn = G().ConnessioneGlobale ? G().ConnessioneGlobale : cn;
+  const std::shared_ptr<Connessione>& propria = cn;
+  const std::shared_ptr<Connessione>& conn = G().ConnessioneGlobale ? G().ConnessioneGlobale : propria;
   auto rs = anagrafiche::Conn(conn).Execute(
       "SELECT [Localita], [Provincia], [Cap] FROM [Localita] WHERE [ID] = ?;", {Valore(static_cast<long long>(ID))});
   Valore vuoto{std::string()};

@@ -3,13 +3,14 @@
 #include <cstdint>
 #include <memory>
 
+#include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
 
 namespace vorn {
 
 class clsLocalita {
  public:
-  std::shared_ptr<Connessione> cn;
+  ConnessioneClasse cn;
 
   // The place of that ID, read on the global connection (on `cn` when there is none); empty
   // text in the three outputs when there is no such place.
