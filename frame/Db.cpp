@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace vorn {
 
@@ -274,6 +276,7 @@ void Recordset::Update() {
   // The row as the database holds it now: defaults and generated numbers come back too.
   sql += " RETURNING *";
   if (rid_ >= 0) sql += ", " + ridExpr + " AS vorn_rid";
+  cn_->PrimaDi(sql);
   auto esito = cn_->EseguiInterno(cn_->Traduci(sql), p, true);
   if (esito.dati.rows.empty())
     throw ErroreDb(3197, "Impossibile trovare la riga per l'aggiornamento: alcuni valori potrebbero essere stati modificati dall'ultima lettura.");
@@ -314,6 +317,7 @@ void Recordset::Delete() {
     sql += cn_->ColonnaRid() + " = ?";
     p.push_back(key[rid_]);
   }
+  cn_->PrimaDi(sql);
   cn_->EseguiInterno(cn_->Traduci(sql), p, false);
   edit_ = adEditNone;
   rows_.erase(rows_.begin() + static_cast<long>(pos_));
@@ -327,7 +331,22 @@ void Recordset::Close() {
 
 // ---------------------------------------------------------------- Connessione
 
+void VerificaNome(std::string_view nome, std::string_view cosa) {
+  bool ok = !nome.empty() && nome.size() <= 128;
+  for (unsigned char c : nome)
+    if (c < 0x20 || c == 0x7f || c == '[' || c == ']' || c == '"' || c == '\'' || c == ';' || c == '`') ok = false;
+  if (!ok)
+    throw ErroreDb(3265, "Nome di " + std::string(cosa) + " non valido: '" + std::string(nome) +
+                             "' (non può essere vuoto né contenere parentesi quadre, virgolette, apici, punti e virgola o caratteri di controllo).");
+}
+
+bool ErroreDiConcorrenza(const ErroreDb& e) {
+  const std::string& s = e.SqlState();
+  return s == "40P01" || s == "40001" || s == "sqlite:5" || s == "sqlite:6";
+}
+
 std::string Connessione::Identificatore(std::string_view nome) const {
+  VerificaNome(nome);
   if (!IsPostgres()) return "[" + std::string(nome) + "]";
   std::string out = "\"";
   for (char c : LCase(nome)) {
@@ -337,8 +356,36 @@ std::string Connessione::Identificatore(std::string_view nome) const {
   return out + "\"";
 }
 
+namespace {
+bool IniziaCon(std::string_view sql, std::string_view parola) {
+  size_t i = 0;
+  while (i < sql.size() && isspace(static_cast<unsigned char>(sql[i]))) ++i;
+  if (sql.size() - i < parola.size()) return false;
+  for (size_t k = 0; k < parola.size(); ++k)
+    if (toupper(static_cast<unsigned char>(sql[i + k])) != parola[k]) return false;
+  size_t j = i + parola.size();
+  return j == sql.size() || !isalnum(static_cast<unsigned char>(sql[j]));
+}
+
+// SQLite gives a column declared NUMERIC the numeric affinity, which stores 5,0000 as the
+// integer 5 (and 5 / 2 is then 2): an amount column is declared there with the real affinity
+// under a name that still reads back as an amount.
+std::string AmmontareSqlite(std::string sql) {
+  static const std::string cerca = "NUMERIC(19,4)";
+  std::string up = UCase(sql);
+  for (size_t i = up.rfind(cerca); i != std::string::npos; i = i ? up.rfind(cerca, i - 1) : std::string::npos) {
+    sql.replace(i, cerca.size(), "IMPORTO REAL");
+    if (i == 0) break;
+  }
+  return sql;
+}
+}  // namespace
+
 std::string Connessione::Traduci(std::string_view sql) const {
-  if (!IsPostgres()) return std::string(sql);
+  if (!IsPostgres()) {
+    if (IniziaCon(sql, "CREATE") || IniziaCon(sql, "ALTER")) return AmmontareSqlite(std::string(sql));
+    return std::string(sql);
+  }
   std::string out;
   out.reserve(sql.size() + 16);
   int n = 0;
@@ -378,14 +425,68 @@ std::string Connessione::Traduci(std::string_view sql) const {
   return out;
 }
 
-Recordset Connessione::Execute(std::string_view sql, const Parametri& p) {
-  return Recordset::DaDati(EseguiInterno(Traduci(sql), p, true).dati);
+Parametri Connessione::Normalizza(const Parametri& p) {
+  Parametri out;
+  for (size_t i = 0; i < p.size(); ++i) {
+    const Valore& v = p[i];
+    if (!v.IsText()) continue;
+    const std::string& t = v.Str();
+    if (t.size() < 8 || t.size() > 10 || std::count(t.begin(), t.end(), '/') != 2) continue;
+    bool cifre = std::all_of(t.begin(), t.end(), [](char c) { return c == '/' || (c >= '0' && c <= '9'); });
+    auto b1 = t.find('/'), b2 = t.rfind('/');
+    if (!cifre || b1 < 1 || b1 > 2 || b2 - b1 < 2 || b2 - b1 > 3 || t.size() - b2 != 5) continue;
+    auto d = Data::DaTesto(t);
+    if (!d) continue;
+    if (out.empty()) out = p;
+    out[i] = Valore(*d);
+  }
+  return out;
 }
 
-int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) { return EseguiInterno(Traduci(sql), p, false).righe; }
+namespace {
+bool ControlloTransazione(std::string_view sql) {
+  for (const char* k : {"BEGIN", "COMMIT", "ROLLBACK", "SAVEPOINT", "RELEASE", "END", "START", "ABORT"})
+    if (IniziaCon(sql, k)) return true;
+  return false;
+}
+}  // namespace
+
+void Connessione::PrimaDi(std::string_view sql) {
+  if (scrivendo_ || differiti_.empty()) return;
+  for (auto& [nome, d] : differiti_) {
+    if (!d->Vuoto() && d->Tocca(sql)) {
+      ScriviDifferiti();
+      return;
+    }
+  }
+}
+
+Recordset Connessione::Execute(std::string_view sql, const Parametri& p) {
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  return Recordset::DaDati(EseguiInterno(Traduci(sql), n.empty() ? p : n, true).dati);
+}
+
+int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) {
+  if (ControlloTransazione(sql))
+    throw ErroreDb(3246, "Le transazioni si aprono e si chiudono con BeginTrans, CommitTrans e RollbackTrans: " +
+                             std::string(sql.substr(0, 40)));
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  return EseguiInterno(Traduci(sql), n.empty() ? p : n, false).righe;
+}
+
+void Connessione::Scorri(std::string_view sql, const Parametri& p,
+                         const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) {
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  ScorriInterno(Traduci(sql), n.empty() ? p : n, riga);
+}
 
 Valore Connessione::Scalare(std::string_view sql, const Parametri& p) {
-  auto e = EseguiInterno(Traduci(sql), p, true);
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  auto e = EseguiInterno(Traduci(sql), n.empty() ? p : n, true);
   if (e.dati.rows.empty() || e.dati.cols.empty()) return Valore::Null();
   return e.dati.rows[0][0];
 }
@@ -398,6 +499,7 @@ const std::vector<std::string>& Connessione::ChiaveTabella(const std::string& ta
 }
 
 Recordset Connessione::Apri(std::string_view tabella, std::string_view where, const Parametri& p, std::string_view orderBy) {
+  VerificaNome(tabella);
   std::string sql = "SELECT * FROM [" + std::string(tabella) + "]";
   if (!where.empty()) sql += " WHERE " + std::string(where);
   if (!orderBy.empty()) sql += " ORDER BY " + std::string(orderBy);
@@ -439,11 +541,14 @@ std::string ConRid(std::string_view sql, const std::string& rid, const std::stri
 
 Recordset Connessione::ApriSql(std::string_view sql, const Parametri& p) {
   std::string tabella = TabellaDi(sql);
+  VerificaNome(tabella);
+  PrimaDi(sql);
   const auto& chiave = ChiaveTabella(tabella);
   std::string testo(sql);
   bool usaRid = chiave.empty();
   if (usaRid) testo = ConRid(sql, ColonnaRid(), tabella);
-  auto esito = EseguiInterno(Traduci(testo), p, true);
+  Parametri n = Normalizza(p);
+  auto esito = EseguiInterno(Traduci(testo), n.empty() ? p : n, true);
   std::vector<int> idx;
   int rid = -1;
   auto& cols = esito.dati.cols;
@@ -461,44 +566,196 @@ Recordset Connessione::ApriSql(std::string_view sql, const Parametri& p) {
   return Recordset::Modificabile(*this, tabella, std::move(esito.dati), std::move(idx), rid);
 }
 
+// ---------------------------------------------------------------- transactions
+
+namespace {
+std::string NomeSavepoint(int livello) { return "vorn_sp" + std::to_string(livello); }
+[[noreturn]] void NessunaTransazione() { throw ErroreDb(3246, "Nessuna transazione attiva.", "25P01"); }
+[[noreturn]] void Annullata() { throw ErroreDb(3246, kMsgTransazioneAnnullata, "25P02"); }
+}  // namespace
+
+void Connessione::BeginTrans() {
+  if (lettura_) throw ErroreDb(3246, "Una lettura in corso non consente scritture: chiuderla prima di aprire una transazione.");
+  if (livello_ == 0) {
+    if (InTransazione()) throw ErroreDb(3246, "La connessione ha già una transazione aperta fuori da BeginTrans.");
+    Controllo(TestoInizio());
+    livello_ = 1;
+    compromessa_ = false;
+    sporco_.assign(2, false);
+    return;
+  }
+  Controllo(("SAVEPOINT " + NomeSavepoint(livello_ + 1)).c_str());
+  ++livello_;
+  sporco_.push_back(false);
+  for (auto& [nome, d] : differiti_) d->ApriLivello();
+}
+
+void Connessione::ChiudiTutto(bool) {
+  try {
+    if (InTransazione()) Controllo("ROLLBACK");
+  } catch (const ErroreDb&) {
+    // A connection that dropped has no transaction left to undo.
+  }
+  livello_ = 0;
+  compromessa_ = false;
+  sporco_.clear();
+  for (auto& [nome, d] : differiti_) d->Scarta();
+}
+
+void Connessione::CommitTrans() {
+  if (livello_ == 0) NessunaTransazione();
+  if (livello_ > 1) {
+    std::string sp = NomeSavepoint(livello_);
+    bool fallito = InErrore();
+    if (!fallito) {
+      try {
+        Controllo(("RELEASE SAVEPOINT " + sp).c_str());
+      } catch (const ErroreDb&) {
+        fallito = true;
+      }
+    }
+    if (fallito) {
+      RollbackTrans();
+      Annullata();
+    }
+    for (auto& [nome, d] : differiti_) d->ChiudiLivello(true);
+    bool s = sporco_.back();
+    sporco_.pop_back();
+    if (s) sporco_.back() = true;
+    --livello_;
+    return;
+  }
+  if (!compromessa_ && !InErrore()) {
+    try {
+      ScriviDifferiti();
+    } catch (...) {
+      ChiudiTutto(false);
+      throw;
+    }
+  }
+  if (compromessa_ || InErrore()) {
+    ChiudiTutto(false);
+    Annullata();
+  }
+  try {
+    Controllo("COMMIT");
+  } catch (...) {
+    ChiudiTutto(false);
+    throw;
+  }
+  livello_ = 0;
+  compromessa_ = false;
+  sporco_.clear();
+}
+
+void Connessione::RollbackTrans() {
+  if (livello_ == 0) NessunaTransazione();
+  if (livello_ > 1) {
+    std::string sp = NomeSavepoint(livello_);
+    bool s = sporco_.back();
+    sporco_.pop_back();
+    --livello_;
+    for (auto& [nome, d] : differiti_) d->ChiudiLivello(false);
+    // Deferred work of the levels below was written under this savepoint: undoing it loses
+    // that work, so the transaction can no longer commit.
+    if (s) compromessa_ = true;
+    try {
+      Controllo(("ROLLBACK TO SAVEPOINT " + sp).c_str());
+      Controllo(("RELEASE SAVEPOINT " + sp).c_str());
+    } catch (const ErroreDb&) {
+      compromessa_ = true;
+      throw;
+    }
+    return;
+  }
+  ChiudiTutto(false);
+}
+
+Differito& Connessione::Differimento(const std::string& nome, const std::function<std::unique_ptr<Differito>()>& crea) {
+  for (auto& [n, d] : differiti_)
+    if (n == nome) return *d;
+  differiti_.emplace_back(nome, crea());
+  Differito& d = *differiti_.back().second;
+  for (int l = 1; l < livello_; ++l) d.ApriLivello();
+  return d;
+}
+
+void Connessione::ScriviDifferiti() {
+  if (scrivendo_) return;
+  bool qualcosa = false;
+  for (auto& [nome, d] : differiti_) qualcosa = qualcosa || !d->Vuoto();
+  if (!qualcosa) return;
+  if (livello_ > 1) sporco_.back() = true;
+  struct Flag {
+    bool& f;
+    ~Flag() { f = false; }
+  } flag{scrivendo_ = true};
+  try {
+    for (auto& [nome, d] : differiti_) d->Scrivi(*this);
+  } catch (...) {
+    // Part of it may be written: the transaction cannot commit any more.
+    compromessa_ = livello_ > 0;
+    throw;
+  }
+}
+
+void Connessione::IniziaLettura() {
+  if (livello_ > 0 || lettura_) return;
+  if (InTransazione()) throw ErroreDb(3246, "La connessione ha già una transazione aperta fuori da BeginTrans.");
+  Controllo(TestoInizioLettura());
+  lettura_ = true;
+}
+
+void Connessione::FineLettura() {
+  if (!lettura_) return;
+  lettura_ = false;
+  try {
+    Controllo("ROLLBACK");
+  } catch (const ErroreDb&) {
+  }
+}
+
 // ---------------------------------------------------------------- Atomico
 
 Atomico::Atomico(Connessione& cn, bool recuperabile) : cn_(cn) {
-  if (!cn_.InTransazione()) {
+  if (cn_.Livello() == 0 || recuperabile || !cn_.IsPostgres()) {
     cn_.BeginTrans();
-    propria_ = true;
-  } else if (recuperabile || !cn_.IsPostgres()) {
-    // Named by depth: the same few names serve every unit, and their statements stay cached.
-    savepoint_ = "vorn_sp" + std::to_string(cn_.savepoint_ + 1);
-    cn_.Esegui("SAVEPOINT " + savepoint_);
-    ++cn_.savepoint_;
+    livello_ = true;
   }
 }
 
 void Atomico::Conferma() {
   if (fatto_) return;
-  if (propria_) {
-    cn_.CommitTrans();
-  } else if (!savepoint_.empty()) {
-    cn_.Esegui("RELEASE SAVEPOINT " + savepoint_);
-    --cn_.savepoint_;
-  }
   fatto_ = true;
+  // CommitTrans closes the level also when it throws.
+  if (livello_) cn_.CommitTrans();
 }
 
 Atomico::~Atomico() {
   if (fatto_) return;
   try {
-    if (propria_) {
-      cn_.RollbackTrans();
-    } else if (!savepoint_.empty()) {
-      --cn_.savepoint_;
-      cn_.Esegui("ROLLBACK TO SAVEPOINT " + savepoint_);
-      cn_.Esegui("RELEASE SAVEPOINT " + savepoint_);
-    } else {
-      cn_.SegnaCompromessa(true);
-    }
+    if (livello_) cn_.RollbackTrans();
+    else cn_.SegnaCompromessa(true);
   } catch (...) {
+  }
+}
+
+void ConRiprova(Connessione& cn, const std::function<void()>& unita, int tentativi) {
+  if (cn.Livello() > 0 || cn.InTransazione()) {
+    unita();
+    return;
+  }
+  for (int i = 1;; ++i) {
+    try {
+      unita();
+      return;
+    } catch (const ErroreDb& e) {
+      if (i >= tentativi || !ErroreDiConcorrenza(e) || cn.Livello() > 0) throw;
+    }
+    // A pause that grows and differs between clients, so that two of them do not meet again.
+    static std::atomic<unsigned> seme{0x9e3779b9u};
+    unsigned x = seme.fetch_add(0x6d2b79f5u) * 2654435761u;
+    std::this_thread::sleep_for(std::chrono::milliseconds((2 << std::min(i, 6)) + (x >> 27)));
   }
 }
 

@@ -182,6 +182,39 @@ struct OpzioniSqlite {
   bool solaLettura = false;
 };
 
+// Work that units of the library gather in memory and write once, just before the commit of
+// the outermost transaction (for instance the balance movement of the journal: each balance
+// row is then written once per transaction, and always in the same order, so that concurrent
+// posters never wait on each other in a cycle). It follows the savepoint levels: what a level
+// gathered is kept by the level below when the level is released, dropped when it is rolled
+// back. A statement that reads or writes what it holds back makes it write first (Tocca).
+class Differito {
+ public:
+  virtual ~Differito() = default;
+  virtual void ApriLivello() = 0;
+  virtual void ChiudiLivello(bool conferma) = 0;
+  // Writes everything gathered, at every level, and forgets it.
+  virtual void Scrivi(Connessione& cn) = 0;
+  // Forgets everything: the whole transaction is rolled back.
+  virtual void Scarta() = 0;
+  virtual bool Vuoto() const = 0;
+  // True when the statement (as written, with bracketed names) touches what is held back.
+  virtual bool Tocca(std::string_view sql) const = 0;
+};
+
+// A clear error for a name that cannot be pasted into a statement: empty, or with brackets,
+// quotes, semicolons or control characters. Table names and prefixes pass through it.
+void VerificaNome(std::string_view nome, std::string_view cosa = "tabella");
+
+// The largest amount, in ten-thousandths, that the SQLite engine stores and sums exactly
+// (99.999.999.999,9999); a larger one is refused with an error on SQLite. PostgreSQL stores
+// every amount of the type (NUMERIC(19,4)).
+inline constexpr int64_t kMassimoImportoSqlite = 999999999999999;
+
+// True for an error that a retry of the whole unit may cure: a deadlock or a serialization
+// failure on PostgreSQL, a busy or locked database on SQLite.
+bool ErroreDiConcorrenza(const ErroreDb& e);
+
 class Connessione : public std::enable_shared_from_this<Connessione> {
  public:
   virtual ~Connessione() = default;
@@ -196,14 +229,23 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual bool Aperta() const = 0;
   virtual void Close() = 0;
 
+  // Every call runs exactly one statement: a text with a second statement is refused.
+  // Parameters: an amount binds as a decimal number (arithmetic on it is decimal on both
+  // engines, never an integer division), a date as a date; a text that is exactly a date
+  // written "dd/mm/yyyy" binds as that date on both engines.
+  //
+  // Column types: a column of a table reads back with the table's type; a column computed by
+  // an expression (a sum, MAX of a date, CASE) reads back by its value on both engines: whole
+  // numbers as integers, other numbers as amounts, dates as dates, the rest as text.
+
   // Runs a statement and returns its rows (read-only).
   Recordset Execute(std::string_view sql, const Parametri& p = {});
   // Runs a statement that returns no rows; the result is the number of rows it touched.
   int64_t Esegui(std::string_view sql, const Parametri& p = {});
   // Streams the rows of a statement one by one, without holding them all: for long scans.
   // The callback gets the column list and one row; returning false stops the scan.
-  virtual void Scorri(std::string_view sql, const Parametri& p,
-                      const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
+  void Scorri(std::string_view sql, const Parametri& p,
+              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga);
   // First column of the first row, or Null.
   Valore Scalare(std::string_view sql, const Parametri& p = {});
   // An editable recordset: SELECT * FROM [tabella] with the given WHERE and ORDER BY text.
@@ -212,11 +254,31 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   // An editable recordset on a statement over one table ("SELECT ... FROM [T] ...").
   Recordset ApriSql(std::string_view sql, const Parametri& p = {});
 
-  // Transactions on this connection.
-  virtual void BeginTrans() = 0;
-  virtual void CommitTrans() = 0;
-  virtual void RollbackTrans() = 0;
+  // Transactions, the same on both engines. BeginTrans with none open starts a transaction;
+  // BeginTrans inside one opens a savepoint level, which CommitTrans releases (its work joins
+  // the level below) and RollbackTrans undoes alone. CommitTrans and RollbackTrans always
+  // close their level, also when they throw. The commit of the outermost level writes the
+  // deferred work first; it rolls everything back and throws when a unit that could not be
+  // undone on its own failed inside the transaction (Compromessa), and that mark lasts until
+  // the outermost commit or rollback. A level whose statement failed on PostgreSQL cannot be
+  // committed: its CommitTrans undoes it and throws. Transaction statements (BEGIN, COMMIT,
+  // SAVEPOINT...) are not accepted through Esegui.
+  void BeginTrans();
+  void CommitTrans();
+  void RollbackTrans();
   virtual bool InTransazione() const = 0;
+  // The open levels: 0 outside a transaction, 1 in the transaction, more inside savepoints.
+  int Livello() const { return livello_; }
+
+  // Deferred work registered under `nome` (made by `crea` the first time).
+  Differito& Differimento(const std::string& nome, const std::function<std::unique_ptr<Differito>()>& crea);
+  // Writes the deferred work now (a reader that must see it).
+  void ScriviDifferiti();
+
+  // Reads of several statements from one snapshot: a read-only transaction (REPEATABLE READ on
+  // PostgreSQL, a read transaction on SQLite) that FineLettura ends. Nothing may be written in it.
+  void IniziaLettura();
+  void FineLettura();
 
   // The statement as the engine reads it.
   std::string Traduci(std::string_view sql) const;
@@ -234,7 +296,7 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
 
   // Text helpers of the dialect.
   std::string Like() const { return IsPostgres() ? "ILIKE" : "LIKE"; }
-  // A quoted identifier as this engine reads it.
+  // A quoted identifier as this engine reads it; VerificaNome first.
   std::string Identificatore(std::string_view nome) const;
 
  protected:
@@ -243,19 +305,37 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
     int64_t righe = 0;
   };
   virtual Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) = 0;
+  virtual void ScorriInterno(const std::string& sql, const Parametri& p,
+                             const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
   virtual std::vector<std::string> LeggiChiave(const std::string& tabella) = 0;
   virtual std::string ColonnaRid() const = 0;  // "rowid" or "ctid"
+  // Transaction statements of the engine, run outside the checks of Esegui.
+  virtual void Controllo(const char* sql) = 0;
+  virtual const char* TestoInizio() const = 0;          // "BEGIN IMMEDIATE" or "BEGIN"
+  virtual const char* TestoInizioLettura() const = 0;   // a read-only snapshot
+  // True when a statement failed in the open transaction and it takes nothing more.
+  virtual bool InErrore() const { return false; }
+  // Parameters as both engines bind them (dates written as text become dates).
+  static Parametri Normalizza(const Parametri& p);
 
  private:
   friend class Recordset;
   friend class Atomico;
+  // Before a statement: deferred work it touches is written first.
+  void PrimaDi(std::string_view sql);
+  void ChiudiTutto(bool conferma);
   std::map<std::string, std::vector<std::string>> chiavi_;
   bool compromessa_ = false;
-  int savepoint_ = 0;  // depth of the open units: their savepoints are named by it
+  int livello_ = 0;
+  bool lettura_ = false;
+  bool scrivendo_ = false;
+  // Per level: deferred work of lower levels was written under this level's savepoint.
+  std::vector<bool> sporco_;
+  std::vector<std::pair<std::string, std::unique_ptr<Differito>>> differiti_;
 };
 
-// All-or-nothing over a scope: a transaction of its own when none is open, a savepoint inside
-// the caller's. Without Conferma() the work is undone.
+// All-or-nothing over a scope: a transaction of its own when none is open, a savepoint level
+// inside the caller's. Without Conferma() the work is undone.
 //
 // A unit that need not be recoverable (`recuperabile` false) takes no savepoint inside the
 // caller's transaction on PostgreSQL, where thousands of savepoints in one transaction slow
@@ -271,9 +351,14 @@ class Atomico {
 
  private:
   Connessione& cn_;
-  std::string savepoint_;
-  bool propria_ = false;  // a transaction of its own
+  bool livello_ = false;  // opened a level (a transaction or a savepoint)
   bool fatto_ = false;
 };
+
+// Runs `unita` (which opens its own Atomico); outside a transaction, a unit that fails for a
+// deadlock, a serialization failure or a busy database is run again, up to `tentativi` times,
+// with a short growing pause. Inside the caller's transaction it runs once: the caller's
+// transaction is what a retry would have to repeat.
+void ConRiprova(Connessione& cn, const std::function<void()>& unita, int tentativi = 6);
 
 }  // namespace vorn

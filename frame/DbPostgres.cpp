@@ -115,27 +115,14 @@ class ConnessionePostgres final : public Connessione {
     preparate_.clear();
   }
 
-  void BeginTrans() override {
-    Esegui("BEGIN");
-    SegnaCompromessa(false);
+  void Controllo(const char* sql) override {
+    Assicura();
+    Risultato r(PQexec(c_, sql));
+    Verifica(r.r);
   }
-  void CommitTrans() override {
-    if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
-    // The server turns the COMMIT of a failed transaction into a ROLLBACK without an error:
-    // the caller must not believe its work saved.
-    if (PQtransactionStatus(c_) == PQTRANS_INERROR || Compromessa()) {
-      Esegui("ROLLBACK");
-      throw ErroreDb(NumeroDaSqlState("25P02"),
-                     kMsgTransazioneAnnullata,
-                     "25P02");
-    }
-    Esegui("COMMIT");
-  }
-  void RollbackTrans() override {
-    if (!InTransazione()) throw ErroreDb(NumeroDaSqlState("25P01"), "Nessuna transazione attiva.", "25P01");
-    Esegui("ROLLBACK");
-    SegnaCompromessa(false);
-  }
+  const char* TestoInizio() const override { return "BEGIN"; }
+  const char* TestoInizioLettura() const override { return "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"; }
+  bool InErrore() const override { return c_ && PQtransactionStatus(c_) == PQTRANS_INERROR; }
   bool InTransazione() const override {
     if (!c_) return false;
     auto s = PQtransactionStatus(c_);
@@ -163,14 +150,14 @@ class ConnessionePostgres final : public Connessione {
   // Rows are fetched in batches from a server-side cursor, so that the callback may run
   // other statements on this same connection while the scan goes on. WITH HOLD lets the
   // cursor live outside a transaction block too.
-  void Scorri(std::string_view sql, const Parametri& p,
-              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
+  void ScorriInterno(const std::string& sql, const Parametri& p,
+                     const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
     Assicura();
     std::string cursore = "vorn_cursore_" + std::to_string(++contatore_);
     {
-      std::string s = "DECLARE " + cursore + " NO SCROLL CURSOR WITH HOLD FOR " + Traduci(sql);
+      std::string s = "DECLARE " + cursore + " NO SCROLL CURSOR WITH HOLD FOR " + sql;
       Testi t(p);
-      Risultato r(PQexecParams(c_, s.c_str(), t.n(), nullptr, t.valori(), nullptr, nullptr, 0));
+      Risultato r(PQexecParams(c_, s.c_str(), t.n(), t.tipi(), t.valori(), nullptr, nullptr, 0));
       Verifica(r.r);
     }
     struct Chiusura {
@@ -218,21 +205,22 @@ class ConnessionePostgres final : public Connessione {
     Assicura();
     Esito e;
     if (p.empty() && !DaPreparare(sql)) {
-      Risultato r(PQexec(c_, sql.c_str()));
+      // The extended protocol runs exactly one statement.
+      Risultato r(PQexecParams(c_, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0));
       Verifica(r.r);
       Raccogli(r.r, e, righe);
       return e;
     }
     Testi t(p);
     for (int tentativo = 0;; ++tentativo) {
-      const std::string& nome = Preparata(sql, t.n());
+      const std::string& nome = Preparata(sql, t);
       Risultato r(PQexecPrepared(c_, nome.c_str(), t.n(), t.valori(), nullptr, nullptr, 0));
       auto st = PQresultStatus(r.r);
       if (st == PGRES_FATAL_ERROR && tentativo == 0) {
         const char* code = PQresultErrorField(r.r, PG_DIAG_SQLSTATE);
         // A cached plan whose tables changed shape: prepare it again once.
         if (code && std::strcmp(code, "0A000") == 0 && !InTransazione()) {
-          Dimentica(sql);
+          Dimentica(sql + t.firma);
           continue;
         }
       }
@@ -243,13 +231,20 @@ class ConnessionePostgres final : public Connessione {
   }
 
  private:
-  // Parameter values as text, the server infers their types.
+  // Parameter values as text. Amounts go as NUMERIC and doubles as double precision, so that
+  // "? / 2" divides decimals; the server infers the type of the others from their place
+  // (a date goes as ISO text, which reads the same under any DateStyle).
   struct Testi {
     std::vector<std::string> s;
     std::vector<const char*> v;
+    std::vector<Oid> t;
+    std::string firma;  // the types, part of the name under which a statement is prepared
     explicit Testi(const Parametri& p) {
       s.reserve(p.size());
       for (const auto& x : p) {
+        Oid tipo = x.tipo() == Valore::Tipo::Importo ? Oid{kNumeric} : x.tipo() == Valore::Tipo::Doppio ? Oid{kFloat8} : Oid{0};
+        t.push_back(tipo);
+        firma += tipo == kNumeric ? 'n' : tipo == kFloat8 ? 'f' : '.';
         switch (x.tipo()) {
           case Valore::Tipo::Vuoto:
           case Valore::Tipo::Nullo:
@@ -283,6 +278,7 @@ class ConnessionePostgres final : public Connessione {
     }
     int n() const { return static_cast<int>(v.size()); }
     const char* const* valori() const { return v.empty() ? nullptr : v.data(); }
+    const Oid* tipi() const { return t.empty() ? nullptr : t.data(); }
   };
 
   void Assicura() {
@@ -308,17 +304,18 @@ class ConnessionePostgres final : public Connessione {
     return true;
   }
 
-  const std::string& Preparata(const std::string& sql, int n) {
-    auto it = preparate_.find(sql);
+  const std::string& Preparata(const std::string& sql, const Testi& t) {
+    std::string chiave = sql + t.firma;
+    auto it = preparate_.find(chiave);
     if (it != preparate_.end()) return it->second;
     if (preparate_.size() >= 256) {
       Risultato d(PQexec(c_, "DEALLOCATE ALL"));
       preparate_.clear();
     }
     std::string nome = "vs" + std::to_string(++contatore_);
-    Risultato r(PQprepare(c_, nome.c_str(), sql.c_str(), n, nullptr));
+    Risultato r(PQprepare(c_, nome.c_str(), sql.c_str(), t.n(), t.tipi()));
     Verifica(r.r);
-    return preparate_[sql] = nome;
+    return preparate_[chiave] = nome;
   }
 
   void Dimentica(const std::string& sql) {
@@ -326,6 +323,12 @@ class ConnessionePostgres final : public Connessione {
     if (it == preparate_.end()) return;
     Risultato d(PQexec(c_, ("DEALLOCATE " + it->second).c_str()));
     preparate_.erase(it);
+  }
+
+  static std::string PrimaRiga(std::string m) {
+    auto a = m.find('\n');
+    if (a != std::string::npos) m.erase(a);
+    return m;
   }
 
   static std::string Pulisci(std::string m) {
@@ -343,8 +346,11 @@ class ConnessionePostgres final : public Connessione {
     auto st = PQresultStatus(r);
     if (st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK || st == PGRES_EMPTY_QUERY) return;
     const char* code = PQresultErrorField(r, PG_DIAG_SQLSTATE);
-    std::string msg = Pulisci(PQresultErrorMessage(r));
+    // The server's own sentence, on one line (without the LINE and HINT block).
+    const char* primario = PQresultErrorField(r, PG_DIAG_MESSAGE_PRIMARY);
+    std::string msg = primario ? Pulisci(primario) : Pulisci(PQresultErrorMessage(r));
     if (msg.empty()) msg = Pulisci(PQerrorMessage(c_));
+    msg = PrimaRiga(msg);
     throw ErroreDb(NumeroDaSqlState(code), msg, code ? code : "");
   }
 
@@ -398,7 +404,6 @@ std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& 
     }
   }
   std::vector<const char*> k, v;
-  std::string opts;
   auto add = [&](const char* key, const std::string& val) {
     if (val.empty()) return;
     k.push_back(key);
@@ -409,8 +414,6 @@ std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& 
   add("port", port);
   add("user", p.user);
   add("password", p.password);
-  if (!p.schema.empty()) opts = "-csearch_path=" + p.schema;
-  add("options", opts);
   std::string appname = "vorn";
   add("application_name", appname);
   std::string timeout = "10";
@@ -432,6 +435,29 @@ std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& 
     throw ErroreDb(NumeroDaSqlState(st.c_str()), m, st);
   }
   PQsetNoticeReceiver(c, AvvisoSilenzioso, nullptr);
+  // The session reads and writes the same whatever the server, the user or the environment
+  // (PGDATESTYLE, PGOPTIONS) set: ISO dates (day before month for text input), standard
+  // strings, UTF-8, and the schema as a quoted name.
+  std::string sessione =
+      "SET DateStyle = 'ISO, DMY'; SET standard_conforming_strings = on; SET client_encoding = 'UTF8'; "
+      "SET IntervalStyle = 'postgres'; SET extra_float_digits = 3; SET TimeZone = 'UTC'";
+  if (!p.schema.empty()) {
+    char* id = PQescapeIdentifier(c, p.schema.c_str(), p.schema.size());
+    if (!id) {
+      PQfinish(c);
+      throw ErroreDb(NumeroDaSqlState("3F000"), "Nome di schema non valido: " + p.schema, "3F000");
+    }
+    sessione += std::string("; SET search_path = ") + id;
+    PQfreemem(id);
+  }
+  PGresult* r = PQexec(c, sessione.c_str());
+  bool ok = r && PQresultStatus(r) == PGRES_COMMAND_OK;
+  std::string m = ok ? std::string() : PQerrorMessage(c);
+  if (r) PQclear(r);
+  if (!ok) {
+    PQfinish(c);
+    throw ErroreDb(NumeroDaSqlState("08001"), "Impostazione della sessione non riuscita: " + m, "08001");
+  }
   return std::make_shared<ConnessionePostgres>(c);
 }
 

@@ -17,7 +17,7 @@ namespace {
 TipoCampo TipoDaDichiarato(const char* decl) {
   if (!decl) return TipoCampo::Vuoto;
   std::string d = UCase(decl);
-  if (d.rfind("NUMERIC(19,4)", 0) == 0 || d.rfind("MONEY", 0) == 0 || d.rfind("CURRENCY", 0) == 0 ||
+  if (d.rfind("IMPORTO", 0) == 0 || d.rfind("NUMERIC(19,4)", 0) == 0 || d.rfind("MONEY", 0) == 0 || d.rfind("CURRENCY", 0) == 0 ||
       d.rfind("DECIMAL", 0) == 0)
     return TipoCampo::Importo;
   if (d.rfind("DATE", 0) == 0 || d.rfind("TIMESTAMP", 0) == 0) return TipoCampo::Data;
@@ -58,8 +58,12 @@ void SommaPasso(sqlite3_context* ctx, int, sqlite3_value** argv) {
     v = static_cast<long double>(i);
   } else {
     s->soloInteri = false;
+    if (t != SQLITE_FLOAT) {
+      // A text that is no number would count as nothing: the sum is refused instead.
+      sqlite3_result_error(ctx, "Valore non numerico in una somma di importi.", -1);
+      return;
+    }
     double d = sqlite3_value_double(argv[0]);
-    if (t != SQLITE_FLOAT) d = 0;  // text or blob that is not a number
     long double r = static_cast<long double>(d) * 10000.0L;
     long double rr = std::nearbyint(r);
     long double tol = std::max(1e-4L, std::fabs(r) * 1e-15L);
@@ -87,6 +91,10 @@ void SommaFine(sqlite3_context* ctx, bool total) {
     return;
   }
   if (s->esatto) {
+    if (s->scalato > kMassimoImportoSqlite || s->scalato < -kMassimoImportoSqlite) {
+      sqlite3_result_error(ctx, "Somma di importi oltre 99.999.999.999,9999: fuori dall'intervallo esatto di SQLite.", -1);
+      return;
+    }
     Int128 q = s->scalato / 10000, r = s->scalato % 10000;
     sqlite3_result_double(ctx, static_cast<double>(q) + static_cast<double>(r) / 10000.0);
     return;
@@ -112,23 +120,15 @@ class ConnessioneSqlite final : public Connessione {
     db_ = nullptr;
   }
 
-  void BeginTrans() override {
-    Esegui("BEGIN IMMEDIATE");
-    SegnaCompromessa(false);
+  void Controllo(const char* sql) override {
+    if (!db_) throw ErroreDb(3709, "La connessione non è aperta.");
+    char* err = nullptr;
+    int rc = sqlite3_exec(db_, sql, nullptr, nullptr, &err);
+    if (err) sqlite3_free(err);
+    if (rc != SQLITE_OK) Errore(rc);
   }
-  void CommitTrans() override {
-    if (Compromessa() && InTransazione()) {
-      Esegui("ROLLBACK");
-      SegnaCompromessa(false);
-      throw ErroreDb(SQLITE_ABORT,
-                     kMsgTransazioneAnnullata);
-    }
-    Esegui("COMMIT");
-  }
-  void RollbackTrans() override {
-    Esegui("ROLLBACK");
-    SegnaCompromessa(false);
-  }
+  const char* TestoInizio() const override { return "BEGIN IMMEDIATE"; }
+  const char* TestoInizioLettura() const override { return "BEGIN DEFERRED"; }
   bool InTransazione() const override { return db_ && !sqlite3_get_autocommit(db_); }
 
   std::vector<std::string> Tabelle() override {
@@ -147,9 +147,9 @@ class ConnessioneSqlite final : public Connessione {
     return out;
   }
 
-  void Scorri(std::string_view sql, const Parametri& p,
-              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
-    std::string s = Traduci(sql);
+  void ScorriInterno(const std::string& s, const Parametri& p,
+                     const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
+    if (!db_) throw ErroreDb(3709, "La connessione non è aperta.");
     sqlite3_stmt* st = Prepara(s, false);
     Guardia g{st, false};
     Lega(st, p);
@@ -182,25 +182,6 @@ class ConnessioneSqlite final : public Connessione {
 
   Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) override {
     if (!db_) throw ErroreDb(3709, "La connessione non è aperta.");
-    // A text of several statements (a schema script) runs statement by statement.
-    const char* tail = nullptr;
-    if (p.empty() && PiuIstruzioni(sql)) {
-      const char* z = sql.c_str();
-      Esito e;
-      while (z && *z) {
-        sqlite3_stmt* st = nullptr;
-        int rc = sqlite3_prepare_v2(db_, z, -1, &st, &tail);
-        if (rc != SQLITE_OK) Errore(rc);
-        if (!st) break;
-        Guardia g{st, false};
-        while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
-        }
-        if (rc != SQLITE_DONE) Errore(rc);
-        e.righe += sqlite3_changes64(db_);
-        z = tail;
-      }
-      return e;
-    }
     sqlite3_stmt* st = Prepara(sql, true);
     Guardia g{st, true};
     Lega(st, p);
@@ -225,7 +206,11 @@ class ConnessioneSqlite final : public Connessione {
       for (auto& r : e.dati.rows) {
         auto k = r[i].tipo();
         if (k == Valore::Tipo::Nullo) continue;
-        t = k == Valore::Tipo::Intero ? TipoCampo::Intero32 : k == Valore::Tipo::Doppio ? TipoCampo::Doppio : TipoCampo::Testo;
+        t = k == Valore::Tipo::Intero    ? TipoCampo::Intero32
+            : k == Valore::Tipo::Importo ? TipoCampo::Importo
+            : k == Valore::Tipo::Data    ? TipoCampo::Data
+            : k == Valore::Tipo::Doppio  ? TipoCampo::Doppio
+                                         : TipoCampo::Testo;
         break;
       }
       e.dati.cols[i].tipo = t;
@@ -248,25 +233,11 @@ class ConnessioneSqlite final : public Connessione {
     }
   };
 
-  static bool PiuIstruzioni(const std::string& sql) {
-    bool inStr = false;
-    for (size_t i = 0; i < sql.size(); ++i) {
-      char c = sql[i];
-      if (c == '\'') inStr = !inStr;
-      if (c == ';' && !inStr) {
-        for (size_t j = i + 1; j < sql.size(); ++j)
-          if (!isspace(static_cast<unsigned char>(sql[j]))) return true;
-        return false;
-      }
-    }
-    return false;
-  }
-
   [[noreturn]] void Errore(int rc) {
     int ext = db_ ? sqlite3_extended_errcode(db_) : rc;
     std::string msg = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
     (void)ext;
-    throw ErroreDb(rc, msg);
+    throw ErroreDb(rc, msg, "sqlite:" + std::to_string(rc));
   }
 
   sqlite3_stmt* Prepara(const std::string& sql, bool cache) {
@@ -278,12 +249,27 @@ class ConnessioneSqlite final : public Connessione {
       }
     }
     sqlite3_stmt* st = nullptr;
-    int rc = sqlite3_prepare_v3(db_, sql.c_str(), static_cast<int>(sql.size()), cache ? SQLITE_PREPARE_PERSISTENT : 0, &st, nullptr);
+    const char* coda = nullptr;
+    int rc = sqlite3_prepare_v3(db_, sql.c_str(), static_cast<int>(sql.size()), cache ? SQLITE_PREPARE_PERSISTENT : 0, &st,
+                                &coda);
     if (rc != SQLITE_OK) {
       if (st) sqlite3_finalize(st);
       Errore(rc);
     }
     if (!st) throw ErroreDb(SQLITE_MISUSE, "Istruzione SQL vuota.");
+    // One statement per call: what follows the first may be blanks, semicolons and comments.
+    if (coda && *coda) {
+      sqlite3_stmt* altra = nullptr;
+      const char* z = coda;
+      while (*z) {
+        rc = sqlite3_prepare_v2(db_, z, -1, &altra, &z);
+        if (altra || rc != SQLITE_OK) {
+          if (altra) sqlite3_finalize(altra);
+          sqlite3_finalize(st);
+          throw ErroreDb(SQLITE_MISUSE, "Una chiamata esegue una sola istruzione SQL: il testo ne contiene più di una.");
+        }
+      }
+    }
     if (cache) {
       if (cache_.size() >= 256) {
         std::string vecchia = ordine_.front();
@@ -319,8 +305,9 @@ class ConnessioneSqlite final : public Connessione {
           rc = sqlite3_bind_double(st, i + 1, v.Dbl());
           break;
         case Valore::Tipo::Importo:
-          if (v.Imp().Raw() % Importo::kScala == 0) rc = sqlite3_bind_int64(st, i + 1, v.Imp().Raw() / Importo::kScala);
-          else rc = sqlite3_bind_double(st, i + 1, v.Imp().ToDouble());
+          // Always a real, so that arithmetic on it is never an integer division.
+          FuoriIntervallo(v.Imp());
+          rc = sqlite3_bind_double(st, i + 1, v.Imp().ToDouble());
           break;
         case Valore::Tipo::Testo:
           rc = sqlite3_bind_text(st, i + 1, v.Str().data(), static_cast<int>(v.Str().size()), SQLITE_TRANSIENT);
@@ -345,6 +332,26 @@ class ConnessioneSqlite final : public Connessione {
     return cols;
   }
 
+  // Beyond this range a double no longer holds every ten-thousandth: refused, never rounded.
+  static void FuoriIntervallo(Importo v) {
+    if (v.Raw() > kMassimoImportoSqlite || v.Raw() < -kMassimoImportoSqlite)
+      throw ErroreDb(6, "Importo " + v.TestoPunto() +
+                            " oltre 99.999.999.999,9999: fuori dall'intervallo che SQLite conserva esatto.", "22003");
+  }
+  static Valore ImportoLetto(double d) {
+    if (!(std::fabs(d) <= static_cast<double>(kMassimoImportoSqlite) / Importo::kScala))
+      throw ErroreDb(6, "Importo letto oltre 99.999.999.999,9999: fuori dall'intervallo che SQLite conserva esatto.",
+                     "22003");
+    return Valore(Importo::DaDouble(d));
+  }
+  // A date written by this layer: "yyyy-mm-dd".
+  static bool TestoIso(const unsigned char* z, int n) {
+    if (n != 10 || z[4] != '-' || z[7] != '-') return false;
+    for (int k : {0, 1, 2, 3, 5, 6, 8, 9})
+      if (z[k] < '0' || z[k] > '9') return false;
+    return true;
+  }
+
   static Valore Leggi(sqlite3_stmt* st, int i, TipoCampo tipo) {
     int t = sqlite3_column_type(st, i);
     if (t == SQLITE_NULL) return Valore::Null();
@@ -354,8 +361,8 @@ class ConnessioneSqlite final : public Connessione {
     };
     switch (tipo) {
       case TipoCampo::Importo:
-        if (t == SQLITE_INTEGER) return Valore(Importo(sqlite3_column_int64(st, i)));
-        if (t == SQLITE_FLOAT) return Valore(Importo::DaDouble(sqlite3_column_double(st, i)));
+        if (t == SQLITE_INTEGER) return ImportoLetto(static_cast<double>(sqlite3_column_int64(st, i)));
+        if (t == SQLITE_FLOAT) return ImportoLetto(sqlite3_column_double(st, i));
         {
           Valore v(testo());
           auto imp = v.ComeImporto();
@@ -382,8 +389,17 @@ class ConnessioneSqlite final : public Connessione {
       case TipoCampo::Memo:
         return Valore(testo());
       case TipoCampo::Vuoto:
+        // A computed column, read as the other engine gives it: whole numbers as integers,
+        // other numbers as amounts (NUMERIC there), dates as dates.
         if (t == SQLITE_INTEGER) return Valore(static_cast<long long>(sqlite3_column_int64(st, i)));
-        if (t == SQLITE_FLOAT) return Valore(sqlite3_column_double(st, i));
+        if (t == SQLITE_FLOAT) {
+          double d = sqlite3_column_double(st, i);
+          if (std::fabs(d) <= static_cast<double>(kMassimoImportoSqlite) / Importo::kScala) return Valore(Importo::DaDouble(d));
+          return Valore(d);
+        }
+        if (t == SQLITE_TEXT && TestoIso(sqlite3_column_text(st, i), sqlite3_column_bytes(st, i))) {
+          if (auto d = Data::DaTesto(testo())) return Valore(*d);
+        }
         return Valore(testo());
     }
     return Valore(testo());
@@ -413,8 +429,11 @@ std::shared_ptr<Connessione> Connessione::ApriSqlite(const std::string& file, co
   sqlite3_create_function_v2(db, "total", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, nullptr, SommaPasso, SommaFineTotal, nullptr);
   // Reading the schema proves that the file is a database and that no other process holds
   // it exclusively.
-  cn->Esegui("SELECT count(*) FROM sqlite_master");
-  if (!o.solaLettura) {
+  int64_t oggetti = cn->Scalare("SELECT count(*) FROM sqlite_master").Int();
+  // Write-ahead logging is a property of the file: it is switched on for a new file and for a
+  // company of ours, never for another program's database.
+  bool nostro = oggetti == 0 || !cn->Scalare("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'Prima Nota'").IsNull();
+  if (!o.solaLettura && nostro) {
     cn->Execute("PRAGMA journal_mode=WAL");
     cn->Esegui("PRAGMA synchronous=FULL");
     // The savepoint of each saved row keeps the pages it touches in memory, not in a temporary

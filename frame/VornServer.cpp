@@ -12,14 +12,15 @@ bool TabellaMancante(const ErroreDb& e) {
 }  // namespace
 
 bool EliminaTabella(Connessione& cn, const std::string& NomeTabella) {
+  VerificaNome(NomeTabella);
   try {
     if (cn.InTransazione()) {
       // On PostgreSQL a failed statement would spoil the caller's transaction.
       Atomico a(cn);
-      cn.Esegui("DROP TABLE [" + NomeTabella + "];");
+      cn.Esegui("DROP TABLE [" + NomeTabella + "]");
       a.Conferma();
     } else {
-      cn.Esegui("DROP TABLE [" + NomeTabella + "];");
+      cn.Esegui("DROP TABLE [" + NomeTabella + "]");
     }
     cn.DimenticaSchema();
     return true;
@@ -32,13 +33,14 @@ bool EliminaTabella(Connessione& cn, const std::string& NomeTabella) {
 }
 
 bool EsisteTabella(Connessione& cn, const std::string& NomeTabella) {
+  VerificaNome(NomeTabella);
   try {
     if (cn.InTransazione()) {
       Atomico a(cn);
-      cn.Execute("SELECT * FROM [" + NomeTabella + "] LIMIT 1;");
+      cn.Execute("SELECT * FROM [" + NomeTabella + "] LIMIT 1");
       a.Conferma();
     } else {
-      cn.Execute("SELECT * FROM [" + NomeTabella + "] LIMIT 1;");
+      cn.Execute("SELECT * FROM [" + NomeTabella + "] LIMIT 1");
     }
     return true;
   } catch (const std::exception&) {

@@ -66,6 +66,18 @@ void Confronta(std::vector<DifferenzaSaldo>& out, const std::string& archivio, c
 }  // namespace
 
 std::vector<DifferenzaSaldo> VerificaSaldi(Connessione& cn) {
+  // Every read from one snapshot: a poster committing meanwhile shows no false difference.
+  // Inside the caller's transaction the deferred balance movement is written first.
+  cn.ScriviDifferiti();
+  bool propria = cn.Livello() == 0 && !cn.InTransazione();
+  if (propria) cn.IniziaLettura();
+  struct Fine {
+    Connessione& cn;
+    bool propria;
+    ~Fine() {
+      if (propria) cn.FineLettura();
+    }
+  } fine{cn, propria};
   std::vector<DifferenzaSaldo> out;
 
   // Sub-accounts: the journal's code split into group (2), account (2) and sub-account (3).

@@ -1,9 +1,12 @@
 #include "ledger/clsPrimaNota.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <functional>
 #include <stdexcept>
 
+#include "company/clsProgAzienda.h"
 #include "frame/Catalogo.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
@@ -316,13 +319,12 @@ bool clsPrimaNota::GetParametriCausaleMovimentazione(const Valore& codiceCausale
                                                      Valore& OperativitaContabile, Valore& OperativitaIntra,
                                                      Valore& IndQuadratura) {
   AssicuraConnessione();
-  std::string w;
-  Parametri p;
-  FiltroTesto(w, p, "[CodiceCausale]", codiceCausale);
+  // The causals' own key filter, so that the journal and the causals find the same row.
+  FiltroCodice f = FiltraCodice("[Causali Contabili].[CodiceCausale]", codiceCausale);
   Recordset rs = cn->Execute(
       "SELECT [TipoRegistroIva], [TipoCausale], [OperativitaPartite], [OperativitaContabile], [OperativitaIntra], "
-      "[IndQuadratura] FROM [Causali Contabili] WHERE " + w + " LIMIT 1",
-      p);
+      "[IndQuadratura] FROM [Causali Contabili] WHERE " + f.where + " LIMIT 1",
+      f.p);
   if (rs.Eof()) {
     TipoRegistroIva = TipoCausale = OperativitaPartite = OperativitaContabile = OperativitaIntra = IndQuadratura =
         Valore("");
@@ -338,17 +340,17 @@ bool clsPrimaNota::GetParametriCausaleMovimentazione(const Valore& codiceCausale
 }
 
 std::optional<std::string> clsPrimaNota::OperativitaCausale(const std::string& codice) {
-  auto it = causali_.find(codice);
-  if (it != causali_.end()) return it->second;
-  if (causaliComplete_) return std::nullopt;
+  if (causaliComplete_) {
+    auto it = causali_.find(codice);
+    if (it != causali_.end()) return it->second;
+    return std::nullopt;
+  }
   std::string w;
   Parametri p;
   FiltroTesto(w, p, "[CodiceCausale]", Valore(codice));
   Recordset rs = cn->Execute("SELECT [OperativitaContabile] FROM [Causali Contabili] WHERE " + w + " LIMIT 1", p);
   if (rs.Eof()) return std::nullopt;
-  std::string op = Leggi(rs, "OperativitaContabile", "0").Testo();
-  causali_[codice] = op;
-  return op;
+  return Leggi(rs, "OperativitaContabile", "0").Testo();
 }
 
 bool clsPrimaNota::ExistSottoconto(const Valore& CodiceGruppo, const Valore& CodiceConto,
@@ -369,29 +371,11 @@ std::string ChiaveConto(const std::string& g, const std::string& c, const std::s
 }  // namespace
 
 bool clsPrimaNota::EsisteSottocontoCache(const std::string& g, const std::string& c, const std::string& s) {
-  std::string k = ChiaveConto(g, c, s);
-  if (sottoconti_.count(k)) return true;
   if (pianoCompleto_) {
     // An empty part also matches a row whose part is missing: read into the set as ''.
-    return false;
+    return sottoconti_.count(ChiaveConto(g, c, s)) > 0;
   }
-  if (!ExistSottoconto(Valore(g), Valore(c), Valore(s))) return false;
-  sottoconti_.insert(k);
-  return true;
-}
-
-bool clsPrimaNota::ChiaveUpsert(const std::string& tabella, const std::vector<std::string>& colonne) {
-  auto it = upsert_.find(tabella);
-  if (it != upsert_.end()) return it->second;
-  const auto& k = cn->ChiaveTabella(tabella);
-  bool ok = k.size() == colonne.size();
-  for (size_t i = 0; ok && i < k.size(); ++i) {
-    bool trovata = false;
-    for (const auto& c : colonne) trovata = trovata || UgualeNoCase(c, k[i]);
-    ok = trovata;
-  }
-  upsert_[tabella] = ok;
-  return ok;
+  return ExistSottoconto(Valore(g), Valore(c), Valore(s));
 }
 
 // ---------------------------------------------------------------- balance movement
@@ -428,15 +412,35 @@ void AggiungiDelta(Parametri& p, const Importo v[3], int mask) {
 }
 }  // namespace
 
-void clsPrimaNota::ScriviSaldoSottoconto(const std::string& g, const std::string& c, const std::string& s,
-                                         const Delta& d) {
+namespace {
+
+// Whether a balance table's key is the columns an upsert names (INSERT ... ON CONFLICT needs
+// it), read once per table.
+using ChiaviUpsert = std::map<std::string, bool>;
+bool ChiaveUpsert(Connessione& cn, ChiaviUpsert& cache, const std::string& tabella,
+                  const std::vector<std::string>& colonne) {
+  auto it = cache.find(tabella);
+  if (it != cache.end()) return it->second;
+  const auto& k = cn.ChiaveTabella(tabella);
+  bool ok = k.size() == colonne.size();
+  for (size_t i = 0; ok && i < k.size(); ++i) {
+    bool trovata = false;
+    for (const auto& c : colonne) trovata = trovata || UgualeNoCase(c, k[i]);
+    ok = trovata;
+  }
+  cache[tabella] = ok;
+  return ok;
+}
+
+void ScriviSaldoSottoconto(Connessione& cn, ChiaviUpsert& k, const std::string& g, const std::string& c,
+                           const std::string& s, const DeltaSaldo& d) {
   const SqlSaldo& q = SqlConti();
   int mask = MascheraDelta(d.tocca);
   const Importo v[3] = {d.iniziale, d.dare, d.avere};
   Parametri p{Valore(g), Valore(c), Valore(s), Valore(v[0]), Valore(v[1]), Valore(v[2])};
-  if (!g.empty() && !c.empty() && !s.empty() && ChiaveUpsert(kSaldiConti.tabella, kSaldiConti.chiave)) {
+  if (!g.empty() && !c.empty() && !s.empty() && ChiaveUpsert(cn, k, kSaldiConti.tabella, kSaldiConti.chiave)) {
     AggiungiDelta(p, v, mask);
-    cn->Esegui(q.upsert[mask], p);
+    cn.Esegui(q.upsert[mask], p);
     return;
   }
   // A code with empty parts: the row may hold '' or Null there.
@@ -449,23 +453,23 @@ void clsPrimaNota::ScriviSaldoSottoconto(const std::string& g, const std::string
     Parametri pu;
     AggiungiDelta(pu, v, mask);
     pu.insert(pu.end(), pw.begin(), pw.end());
-    if (cn->Esegui(q.aggiorna[mask] + w, pu) > 0) return;
-  } else if (!cn->Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
+    if (cn.Esegui(q.aggiorna[mask] + w, pu) > 0) return;
+  } else if (!cn.Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
     return;
   }
-  cn->Esegui(q.inserisci, p);
+  cn.Esegui(q.inserisci, p);
 }
 
-void clsPrimaNota::ScriviSaldoCliFor(char tipo, const std::string& codice, const Delta& d) {
+void ScriviSaldoCliFor(Connessione& cn, ChiaviUpsert& k, char tipo, const std::string& codice, const DeltaSaldo& d) {
   const ColonneSaldo& cs = tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
   const SqlSaldo& q = tipo == 'C' ? SqlClienti() : SqlFornitori();
   int mask = MascheraDelta(d.tocca);
   const Importo v[3] = {d.iniziale, d.dare, d.avere};
   // A posting is never lost for want of a master record: the new row is named with its code.
   Parametri p{Valore(codice), Valore(codice), Valore(v[0]), Valore(v[1]), Valore(v[2])};
-  if (!codice.empty() && ChiaveUpsert(cs.tabella, cs.chiave)) {
+  if (!codice.empty() && ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
     AggiungiDelta(p, v, mask);
-    cn->Esegui(q.upsert[mask], p);
+    cn.Esegui(q.upsert[mask], p);
     return;
   }
   std::string w;
@@ -475,11 +479,101 @@ void clsPrimaNota::ScriviSaldoCliFor(char tipo, const std::string& codice, const
     Parametri pu;
     AggiungiDelta(pu, v, mask);
     pu.insert(pu.end(), pw.begin(), pw.end());
-    if (cn->Esegui(q.aggiorna[mask] + w, pu) > 0) return;
-  } else if (!cn->Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
+    if (cn.Esegui(q.aggiorna[mask] + w, pu) > 0) return;
+  } else if (!cn.Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
     return;
   }
-  cn->Esegui(q.inserisci, p);
+  cn.Esegui(q.inserisci, p);
+}
+
+// Every movement gathered, one statement per balance row, in the order of the rows' keys.
+void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
+  for (const auto& [chiave, d] : m) {
+    if (chiave.tipo == 'S') ScriviSaldoSottoconto(cn, k, chiave.a, chiave.b, chiave.c, d);
+    else ScriviSaldoCliFor(cn, k, chiave.tipo, chiave.a, d);
+  }
+}
+
+bool ContieneNoCase(std::string_view testo, std::string_view cerca) {
+  auto it = std::search(testo.begin(), testo.end(), cerca.begin(), cerca.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+  });
+  return it != testo.end();
+}
+
+// The balance movement of a transaction, held back level by level until its commit.
+class SaldiInSospeso final : public Differito {
+ public:
+  static constexpr const char* kNome = "saldi della prima nota";
+  void Aggiungi(const ChiaveSaldo& k, const DeltaSaldo& d) { livelli_.back()[k].Somma(d); }
+  void ApriLivello() override { livelli_.emplace_back(); }
+  void ChiudiLivello(bool conferma) override {
+    if (livelli_.size() <= 1) return;
+    MovimentiSaldi ultimo = std::move(livelli_.back());
+    livelli_.pop_back();
+    if (conferma)
+      for (const auto& [k, d] : ultimo) livelli_.back()[k].Somma(d);
+  }
+  void Scrivi(Connessione& cn) override {
+    MovimentiSaldi tutto = std::move(livelli_.front());
+    for (size_t i = 1; i < livelli_.size(); ++i)
+      for (const auto& [k, d] : livelli_[i]) tutto[k].Somma(d);
+    for (auto& l : livelli_) l.clear();
+    ScriviSaldi(cn, chiavi_, tutto);
+  }
+  void Scarta() override { livelli_.assign(1, {}); }
+  bool Vuoto() const override {
+    for (const auto& l : livelli_)
+      if (!l.empty()) return false;
+    return true;
+  }
+  bool Tocca(std::string_view sql) const override {
+    return ContieneNoCase(sql, kSaldiConti.tabella) || ContieneNoCase(sql, kSaldiClienti.tabella) ||
+           ContieneNoCase(sql, kSaldiFornitori.tabella);
+  }
+
+ private:
+  std::vector<MovimentiSaldi> livelli_ = std::vector<MovimentiSaldi>(1);
+  ChiaviUpsert chiavi_;
+};
+
+}  // namespace
+
+void DeltaSaldo::Somma(const DeltaSaldo& d) {
+  iniziale += d.iniziale;
+  dare += d.dare;
+  avere += d.avere;
+  for (int i = 0; i < 3; ++i) tocca[i] = tocca[i] || d.tocca[i];
+}
+
+void clsPrimaNota::Movimenta(const ChiaveSaldo& k, const Delta& d) {
+  if (raccolta_) {
+    (*raccolta_)[k].Somma(d);
+  } else if (cn->Livello() > 0) {
+    auto& sospesi = static_cast<SaldiInSospeso&>(
+        cn->Differimento(SaldiInSospeso::kNome, [] { return std::make_unique<SaldiInSospeso>(); }));
+    sospesi.Aggiungi(k, d);
+  } else {
+    ScriviSaldi(*cn, upsert_, MovimentiSaldi{{k, d}});
+  }
+}
+
+void clsPrimaNota::Avvisa(const std::string& testo, const std::string& titolo, bool beep) {
+  if (trattieni_ > 0) {
+    avvisi_.push_back({testo, titolo, beep});
+    return;
+  }
+  if (beep) Host().Beep();
+  Host().MsgBox(testo, vbExclamation, titolo);
+}
+
+void clsPrimaNota::MostraAvvisi() {
+  auto avvisi = std::move(avvisi_);
+  avvisi_.clear();
+  for (const auto& a : avvisi) {
+    if (a.beep) Host().Beep();
+    Host().MsgBox(a.testo, vbExclamation, a.titolo);
+  }
 }
 
 bool clsPrimaNota::MovimentaSaldiSottoconti(const Valore& CodiceGruppo, const Valore& CodiceConto,
@@ -487,16 +581,7 @@ bool clsPrimaNota::MovimentaSaldiSottoconti(const Valore& CodiceGruppo, const Va
                                             const Valore& ImportoMovimento, const Valore& OperativitaContabile) {
   AssicuraConnessione();
   std::string g = T(CodiceGruppo), c = T(CodiceConto), s = T(CodiceSottoconto);
-  Delta d = CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento));
-  if (raccolta_) {
-    Delta& acc = (*raccolta_)[ChiaveSaldo{'S', g, c, s}];
-    acc.iniziale += d.iniziale;
-    acc.dare += d.dare;
-    acc.avere += d.avere;
-    for (int i = 0; i < 3; ++i) acc.tocca[i] = acc.tocca[i] || d.tocca[i];
-    return true;
-  }
-  ScriviSaldoSottoconto(g, c, s, d);
+  Movimenta(ChiaveSaldo{'S', g, c, s}, CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento)));
   return true;
 }
 
@@ -507,16 +592,8 @@ bool clsPrimaNota::MovimentaSaldiClientiFornitori(const Valore& /*ContoPrimaNota
   std::string ind = T(IndClienteFornitore);
   if (ind != "C" && ind != "F") return true;
   std::string codice = T(codiceCliFor);
-  Delta d = CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento));
-  if (raccolta_) {
-    Delta& acc = (*raccolta_)[ChiaveSaldo{ind[0], codice, {}, {}}];
-    acc.iniziale += d.iniziale;
-    acc.dare += d.dare;
-    acc.avere += d.avere;
-    for (int i = 0; i < 3; ++i) acc.tocca[i] = acc.tocca[i] || d.tocca[i];
-    return true;
-  }
-  ScriviSaldoCliFor(ind[0], codice, d);
+  Movimenta(ChiaveSaldo{ind[0], codice, {}, {}},
+            CalcolaDelta(T(OperativitaContabile), T(DareAvere), NullToZeroCy(ImportoMovimento)));
   return true;
 }
 
@@ -535,13 +612,12 @@ bool clsPrimaNota::MovimentaSaldiContabili(const Valore& codiceCausale, const Va
   if (auto op = OperativitaCausale(causale)) {
     operativita = *op;
   } else {
-    Host().Beep();
-    Host().MsgBox("Causale contabile '" + causale + "' inesistente. Possibile disallinamento dei saldi contabili.",
-                  vbExclamation, "Movimenta Saldi Contabili");
+    Avvisa("Causale contabile '" + causale + "' inesistente. Possibile disallinamento dei saldi contabili.",
+           "Movimenta Saldi Contabili", true);
   }
   std::string g = MedioTesto(conto, 1, 2), c = MedioTesto(conto, 3, 2), s = MedioTesto(conto, 5, 3);
   if (!EsisteSottocontoCache(g, c, s))
-    Host().MsgBox("Sottoconto " + conto + " inesistente.", vbExclamation, "Funzione MovimentaSaldiContabili");
+    Avvisa("Sottoconto " + conto + " inesistente.", "Funzione MovimentaSaldiContabili", false);
   Valore op(operativita);
   MovimentaSaldiSottoconti(Valore(g), Valore(c), Valore(s), DareAvere, Valore(importo), op);
   if (CodiceNumericoNonNullo(T(CodClienteFornitore)))
@@ -558,9 +634,7 @@ void clsPrimaNota::MovimentaRecordContabile(const MovimentoPrimaNota& m, bool St
   Valore cambio = m.Cambio.IsNull() ? Valore(0) : m.Cambio;
   if (!MovimentaSaldiContabili(m.CodiceCausale, m.ContoPrimaNota, m.IndClienteFornitore, m.CodClienteFornitore,
                                m.DareAvere, Valore(importo), cambio, m.DataCompetenza)) {
-    Host().Beep();
-    Host().MsgBox("Errore in fase di movimentazione saldi contabili", vbExclamation,
-                  "Funzione MovimentaRecordContabile");
+    Avvisa("Errore in fase di movimentazione saldi contabili", "Funzione MovimentaRecordContabile", true);
   }
 }
 
@@ -595,9 +669,9 @@ void clsPrimaNota::IniziaRaccolta() {
       sottoconti_.insert(ChiaveConto(testo(rs.Fields(0).Value()), testo(rs.Fields(1).Value()), testo(rs.Fields(2).Value())));
   }
   // The keys of the balance tables, read now too.
-  ChiaveUpsert(kSaldiConti.tabella, kSaldiConti.chiave);
-  ChiaveUpsert(kSaldiClienti.tabella, kSaldiClienti.chiave);
-  ChiaveUpsert(kSaldiFornitori.tabella, kSaldiFornitori.chiave);
+  ChiaveUpsert(*cn, upsert_, kSaldiConti.tabella, kSaldiConti.chiave);
+  ChiaveUpsert(*cn, upsert_, kSaldiClienti.tabella, kSaldiClienti.chiave);
+  ChiaveUpsert(*cn, upsert_, kSaldiFornitori.tabella, kSaldiFornitori.chiave);
   causaliComplete_ = pianoCompleto_ = true;
   raccolta_.emplace();
 }
@@ -612,10 +686,7 @@ void clsPrimaNota::ScaricaRaccolta() {
   auto dati = std::move(*raccolta_);
   AnnullaRaccolta();
   Atomico a(*cn, UnitaRecuperabili);
-  for (const auto& [k, d] : dati) {
-    if (k.tipo == 'S') ScriviSaldoSottoconto(k.a, k.b, k.c, d);
-    else ScriviSaldoCliFor(k.tipo, k.a, d);
-  }
+  ScriviSaldi(*cn, upsert_, dati);
   a.Conferma();
 }
 
@@ -645,13 +716,6 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
   static const int iIndicatori = IndicePN("Stringa10indicatori");
   static const int iClient = IndicePN("clientName");
   static const int iHwnd = IndicePN("hWnd");
-  static const int iCausale = IndicePN("CodiceCausale");
-  static const int iChiave[4] = {IndicePN(kChiavePN[0]), IndicePN(kChiavePN[1]), IndicePN(kChiavePN[2]),
-                                 IndicePN(kChiavePN[3])};
-  static const int iMov[8] = {IndicePN("CodiceCausale"),   IndicePN("ContoPrimaNota"),
-                              IndicePN("IndClienteFornitore"), IndicePN("CodClienteFornitore"),
-                              IndicePN("DareAvere"),        IndicePN("ImportoMovimento"),
-                              IndicePN("Cambio"),           IndicePN("DataCompetenza")};
 
   // Every value is checked and converted before anything is read or written.
   std::vector<Valore> dati(n);
@@ -675,10 +739,56 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
   }
   valori[iClient] = clientID.IsEmpty() ? Valore::Null() : Coerci(clientID, TipoCampo::Testo);
   valori[iHwnd] = Valore(static_cast<long long>(hWnd));
+  // One spelling of the side and of the codes, so that every reader takes them the same way.
+  static const int iDareAvere = IndicePN("DareAvere");
+  static const int iConto = IndicePN("ContoPrimaNota");
+  static const int iInd = IndicePN("IndClienteFornitore");
+  static const int iCod = IndicePN("CodClienteFornitore");
+  if (!valori[iDareAvere].IsNull()) {
+    std::string lato = UCase(T(valori[iDareAvere]));
+    if (lato != "D" && lato != "A" && !lato.empty())
+      throw ErroreDb(13, "Segno della riga non valido: '" + valori[iDareAvere].Testo() + "' (D per dare, A per avere).");
+    valori[iDareAvere] = Valore(lato);
+  }
+  for (int i : {iConto, iCod})
+    if (valori[i].IsText()) valori[i] = Valore(T(valori[i]));
+  if (valori[iInd].IsText()) valori[iInd] = Valore(UCase(T(valori[iInd])));
 
   // The row and its balance movement land together or not at all.
-  Atomico unita(*cn, UnitaRecuperabili);
+  UnitaConAvvisi([&] {
+    Parametri copia = valori;
+    SalvaUnita(copia, dati[iIndicatori]);
+  });
+  return true;
+}
 
+void clsPrimaNota::UnitaConAvvisi(const std::function<void()>& unita) {
+  bool esterna = trattieni_ == 0;
+  ++trattieni_;
+  try {
+    ConRiprova(*cn, [&] {
+      if (esterna) avvisi_.clear();
+      unita();
+    });
+  } catch (...) {
+    --trattieni_;
+    if (esterna) avvisi_.clear();
+    throw;
+  }
+  --trattieni_;
+  if (esterna) MostraAvvisi();
+}
+
+void clsPrimaNota::SalvaUnita(Parametri& valori, const Valore& indicatori) {
+  static const int iIndicatori = IndicePN("Stringa10indicatori");
+  static const int iCausale = IndicePN("CodiceCausale");
+  static const int iChiave[4] = {IndicePN(kChiavePN[0]), IndicePN(kChiavePN[1]), IndicePN(kChiavePN[2]),
+                                 IndicePN(kChiavePN[3])};
+  static const int iMov[8] = {IndicePN("CodiceCausale"),   IndicePN("ContoPrimaNota"),
+                              IndicePN("IndClienteFornitore"), IndicePN("CodClienteFornitore"),
+                              IndicePN("DareAvere"),        IndicePN("ImportoMovimento"),
+                              IndicePN("Cambio"),           IndicePN("DataCompetenza")};
+  Atomico unita(*cn, UnitaRecuperabili);
   std::string w;
   Parametri pw;
   for (int k = 0; k < 4; ++k) FiltroTesto(w, pw, std::string("[") + kChiavePN[k] + "]", valori[iChiave[k]]);
@@ -700,7 +810,7 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
 
   std::string operativita;
   if (auto op = OperativitaCausale(T(valori[iCausale]))) operativita = *op;
-  valori[iIndicatori] = Valore(ComponiIndicatori(dati[iIndicatori], operativita, nuovo ? nullptr : &indicatoriMemorizzati));
+  valori[iIndicatori] = Valore(ComponiIndicatori(indicatori, operativita, nuovo ? nullptr : &indicatoriMemorizzati));
 
   MovimentoPrimaNota m;
   Valore* campi[8] = {&m.CodiceCausale, &m.ContoPrimaNota, &m.IndClienteFornitore, &m.CodClienteFornitore,
@@ -728,10 +838,15 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
                            "modificati dall'ultima lettura.");
   }
   unita.Conferma();
-  return true;
 }
 
 int64_t clsPrimaNota::StornaECancella(const std::string& where, const Parametri& p) {
+  int64_t righe = 0;
+  UnitaConAvvisi([&] { righe = StornaECancellaUnita(where, p); });
+  return righe;
+}
+
+int64_t clsPrimaNota::StornaECancellaUnita(const std::string& where, const Parametri& p) {
   Atomico unita(*cn, UnitaRecuperabili);
   Recordset rs = cn->Execute(std::string("SELECT ") + kColonneMovimento + " FROM [Prima Nota] WHERE " + where, p);
   std::vector<Valore> r(8);
@@ -989,12 +1104,11 @@ std::string clsPrimaNota::GetMaxRegistrazionePrimaNota() {
 
 int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   AssicuraConnessione();
-  // The greatest number as a number: text order would put "99999" above "100000".
-  Valore r = cn->IsPostgres()
-                 ? cn->Scalare("SELECT MAX(CAST([NumeroRegistrazione] AS NUMERIC)) FROM [Prima Nota] "
-                               "WHERE [NumeroRegistrazione] ~ '^ *[0-9]+ *$'")
-                 : cn->Scalare("SELECT MAX(CAST([NumeroRegistrazione] AS INTEGER)) FROM [Prima Nota]");
-  return Lng(r) + 1;
+  // Taken from the company's counter under its lock, never above a number already in the
+  // journal: two clients never get the same number, and a rollback gives it back.
+  clsProgAzienda progressivi;
+  progressivi.cn = cn;
+  return progressivi.PrendiNumeroRegistrazione();
 }
 
 bool clsPrimaNota::ExistRegistrazione(const Valore& numeroRegistrazione) {
@@ -1248,6 +1362,36 @@ bool clsPrimaNota::GetEstremiDocumento(const Valore& numeroRegistrazione, Valore
   SerieDocumento = Leggi(rs, "SerieDocumento", "");
   NumeroDocumento = Leggi(rs, "NumeroDocumento", 0);
   return true;
+}
+
+// ---------------------------------------------------------------- partner indicators
+
+int64_t clsPrimaNota::TogliCliForDaSottoconto(const Valore& ContoPrimaNota) {
+  AssicuraConnessione();
+  const std::string w =
+      "[ContoPrimaNota] = ? AND (COALESCE([IndClienteFornitore], '') <> '' OR COALESCE([CodClienteFornitore], '') <> '')";
+  const Parametri p{Valore(T(ContoPrimaNota))};
+  Atomico unita(*cn, UnitaRecuperabili);
+  std::vector<MovimentoPrimaNota> righe;
+  {
+    Recordset rs = cn->Execute(std::string("SELECT ") + kColonneMovimento + " FROM [Prima Nota] WHERE " + w, p);
+    std::vector<Valore> r(8);
+    for (; !rs.Eof(); rs.MoveNext()) {
+      for (int i = 0; i < 8; ++i) r[i] = rs.Fields(i).Value();
+      righe.push_back(MovimentoDaRiga(r));
+    }
+  }
+  // Each row off the balances as it stood, back on without its partner: the sub-account nets
+  // to nothing, the partner loses the row.
+  for (const auto& m : righe) MovimentaRecordContabile(m, true);
+  cn->Esegui("UPDATE [Prima Nota] SET [IndClienteFornitore] = '', [CodClienteFornitore] = '' WHERE " + w, p);
+  for (auto m : righe) {
+    m.IndClienteFornitore = Valore("");
+    m.CodClienteFornitore = Valore("");
+    MovimentaRecordContabile(m, false);
+  }
+  unita.Conferma();
+  return static_cast<int64_t>(righe.size());
 }
 
 }  // namespace vorn

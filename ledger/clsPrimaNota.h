@@ -6,11 +6,17 @@
 // balance movement or leaves nothing behind, also inside the caller's transaction (a savepoint
 // there). So the balances stay a function of the journal, which ledger/VerificaSaldi.h checks.
 //
-// A posting run reads the same causal and the same few sub-accounts over and over: each
-// instance keeps what it has found of them (never what it has not found) until
-// DimenticaCache().
+// Inside a transaction the balance movement is held back and written once per balance row,
+// in the order of the rows' keys, just before the commit (see Differito in frame/Db.h): a
+// long posting run writes each busy balance row once, and concurrent posters never lock the
+// same rows in opposite orders. A save or delete outside a transaction that meets a deadlock
+// or a busy database is tried again.
+//
+// A causal's operativity and the chart are read at each movement, so that a long-lived
+// instance follows their changes; only a replay (IniziaRaccolta) reads them once beforehand.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -41,6 +47,21 @@ struct MovimentoPrimaNota {
 extern const char* const kColonneMovimento;
 // A movement from a row whose columns, from `da` on, are kColonneMovimento.
 MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r, size_t da = 0);
+
+// The movement of one balance row: opening, debit and credit, and which of them it touches.
+struct DeltaSaldo {
+  Importo iniziale, dare, avere;
+  bool tocca[3] = {false, false, false};
+  void Somma(const DeltaSaldo& d);
+};
+// A balance row: 'S' sub-account (group, account, sub-account), 'C' client, 'F' supplier (code).
+// Balance rows are always written in this key's order.
+struct ChiaveSaldo {
+  char tipo;
+  std::string a, b, c;
+  bool operator<(const ChiaveSaldo& o) const { return std::tie(tipo, a, b, c) < std::tie(o.tipo, o.a, o.b, o.c); }
+};
+using MovimentiSaldi = std::map<ChiaveSaldo, DeltaSaldo>;
 
 class clsPrimaNota {
  public:
@@ -183,26 +204,31 @@ class clsPrimaNota {
   void AnnullaRaccolta();
   bool InRaccolta() const { return raccolta_.has_value(); }
 
- private:
-  struct Delta {
-    Importo iniziale, dare, avere;
-    bool tocca[3] = {false, false, false};
-  };
-  struct ChiaveSaldo {
-    char tipo;  // 'S' sub-account, 'C' client, 'F' supplier
-    std::string a, b, c;
-    bool operator<(const ChiaveSaldo& o) const {
-      return std::tie(tipo, a, b, c) < std::tie(o.tipo, o.a, o.b, o.c);
-    }
-  };
+  // ---------------------------------------------------------------- partner indicators
 
+  // Clears the client or supplier indicator and code of every journal row of one sub-account,
+  // taking the rows' effect off the partners' balances in the same unit: the sub-account's
+  // balance stays as it was. The count of rows cleared.
+  int64_t TogliCliForDaSottoconto(const Valore& ContoPrimaNota);
+
+ private:
+  using Delta = DeltaSaldo;
   // The causal's operativity as the movement reads it; nullopt when the causal is unknown.
   std::optional<std::string> OperativitaCausale(const std::string& codice);
   bool EsisteSottocontoCache(const std::string& g, const std::string& c, const std::string& s);
   static Delta CalcolaDelta(const std::string& operativita, const std::string& dareAvere, Importo importo);
-  void ScriviSaldoSottoconto(const std::string& g, const std::string& c, const std::string& s, const Delta& d);
-  void ScriviSaldoCliFor(char tipo, const std::string& codice, const Delta& d);
-  bool ChiaveUpsert(const std::string& tabella, const std::vector<std::string>& colonne);
+  // A movement of one balance row: gathered by a replay, held back until the commit inside a
+  // transaction, written at once outside one.
+  void Movimenta(const ChiaveSaldo& k, const Delta& d);
+  // Messages of a movement: shown at once, or, during a save or a delete, gathered and shown
+  // when its unit has ended, so that nobody is asked while a write lock is held.
+  void Avvisa(const std::string& testo, const std::string& titolo, bool beep);
+  void MostraAvvisi();
+  // Runs a unit of a save or a delete: tried again on a deadlock outside a transaction, its
+  // messages shown after it.
+  void UnitaConAvvisi(const std::function<void()>& unita);
+  void SalvaUnita(Parametri& valori, const Valore& indicatori);
+  int64_t StornaECancellaUnita(const std::string& where, const Parametri& p);
   // Rows selected by `where`: their effect off the balances, then one DELETE. The count.
   int64_t StornaECancella(const std::string& where, const Parametri& p);
   void AssicuraConnessione() const;
@@ -210,8 +236,14 @@ class clsPrimaNota {
   std::unordered_map<std::string, std::string> causali_;  // code -> operativity, found ones
   std::unordered_set<std::string> sottoconti_;            // found chart rows
   bool causaliComplete_ = false, pianoCompleto_ = false;  // everything read (replay)
-  std::optional<std::map<ChiaveSaldo, Delta>> raccolta_;
+  std::optional<MovimentiSaldi> raccolta_;
   std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
+  struct Avviso {
+    std::string testo, titolo;
+    bool beep;
+  };
+  std::vector<Avviso> avvisi_;
+  int trattieni_ = 0;  // > 0 while a save or a delete runs
 };
 
 }  // namespace vorn
