@@ -555,24 +555,42 @@ ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std
 
 // ---------------------------------------------------------------- tables keyed by one text code
 
+std::string CodiceVuoto(const std::string& colonna) { return "COALESCE(TRIM(" + colonna + "), '') = ''"; }
+
+FiltroCodice& FiltroCodice::E(const std::string& condizione, const Parametri& valori) {
+  where += (where.empty() ? "" : " AND ") + condizione;
+  p.insert(p.end(), valori.begin(), valori.end());
+  return *this;
+}
+
+FiltroCodice& FiltroCodice::Parte(const std::string& colonna, const Valore& codice) {
+  std::string c = codice.IsNull() || codice.IsEmpty() ? std::string() : codice.TestoTrim();
+  if (c.empty()) return E(CodiceVuoto(colonna));
+  return E(colonna + " = ?", {Valore(c)});
+}
+
 FiltroCodice FiltraCodice(const std::string& colonna, const Valore& codice) {
-  std::string c = codice.TestoTrim();
-  if (c.empty()) return {"COALESCE(" + colonna + ", '') = ''", {}};
-  return {colonna + " = ?", {Valore(c)}};
+  FiltroCodice f;
+  f.Parte(colonna, codice);
+  return f;
 }
 
 bool PassoCodice(Connessione& cn, const std::string& tabella, const std::string& colonna, Valore& codice,
-                 bool avanti) {
-  const std::string col = "[" + colonna + "]";
-  const std::string da = "SELECT " + col + " FROM [" + tabella + "] ";
-  std::string c = codice.TestoTrim();
-  Valore trovato;
-  if (c.empty())
-    trovato = cn.Scalare(da + "ORDER BY " + col + (avanti ? " DESC" : "") + " LIMIT 1;");
-  else
-    trovato = cn.Scalare(da + "WHERE " + col + (avanti ? " > ?" : " < ?") + " ORDER BY " + col +
-                             (avanti ? "" : " DESC") + " LIMIT 1;",
-                         {Valore(c)});
+                 bool avanti, const FiltroCodice& entro) {
+  const std::string col = "[" + tabella + "].[" + colonna + "]";
+  FiltroCodice f = entro;
+  f.E("NOT " + CodiceVuoto(col));
+  std::string c = codice.IsNull() || codice.IsEmpty() ? std::string() : codice.TestoTrim();
+  std::string ordine;
+  if (c.empty()) {
+    ordine = avanti ? " DESC" : "";
+  } else {
+    f.E(col + (avanti ? " > ?" : " < ?"), {Valore(c)});
+    ordine = avanti ? "" : " DESC";
+  }
+  Valore trovato =
+      cn.Scalare("SELECT " + col + " FROM [" + tabella + "] WHERE " + f.where + " ORDER BY " + col + ordine + " LIMIT 1;",
+                 f.p);
   if (trovato.IsNull() || trovato.IsEmpty()) return false;
   codice = Valore(trovato.TestoTrim());
   return true;

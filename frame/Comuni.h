@@ -218,20 +218,28 @@ ColonneValori ColonneDaScrivere(const RecordValori& campi, const std::vector<std
 
 // ---------------------------------------------------------------- tables keyed by one text code
 
-// The condition on the key of a table keyed by one text code, `colonna` being the key's full
-// expression ("[Codici Iva].[Codice Iva]"): a blank code finds empty text and Null alike, any
-// other code its trimmed text, bound as a parameter.
+// The key filter of every archive. A text key part, `colonna` being its full expression
+// ("[Codici Iva].[Codice Iva]"): a blank code (Null, Empty, empty text or blanks) finds the rows
+// whose key is Null, empty or blanks alike; any other code finds its trimmed text, bound as a
+// parameter. Codes are compared and stored trimmed in every archive.
 struct FiltroCodice {
   std::string where;
   Parametri p;
+  // One more key part, joined with AND.
+  FiltroCodice& Parte(const std::string& colonna, const Valore& codice);
+  // A further condition with its parameters, joined with AND.
+  FiltroCodice& E(const std::string& condizione, const Parametri& valori = {});
 };
 FiltroCodice FiltraCodice(const std::string& colonna, const Valore& codice);
+// The condition that a key column holds no code: Null, empty text or blanks.
+std::string CodiceVuoto(const std::string& colonna);
 
-// One step through the codes of `tabella` (key column `colonna`, bare name) by text order: the
-// next code after `codice` (from a blank code: the last one), or the previous one (from a
-// blank code: the first one). False, and `codice` untouched, when there is none; otherwise
-// `codice` takes the trimmed code found.
+// The stepping of every archive: one step through the codes of `tabella` (key column
+// `colonna`, bare name) by text order, among the rows that `entro` selects (all when empty).
+// The next code after `codice` (from a blank code: the last one), or the previous one (from a
+// blank code: the first one); a row whose key is Null, empty or blanks is never a step. False,
+// and `codice` untouched, when there is none; otherwise `codice` takes the trimmed code found.
 bool PassoCodice(Connessione& cn, const std::string& tabella, const std::string& colonna, Valore& codice,
-                 bool avanti);
+                 bool avanti, const FiltroCodice& entro = {});
 
 }  // namespace vorn

@@ -25,25 +25,11 @@ constexpr Chiave kChiaveSaldi = {"[Saldi Piano Dei Conti].[CodiceGruppo]", "[Sal
 // A key part as the archives hold it once read: trimmed text, empty for Null or blanks.
 std::string ParteVuota(const std::string& colonna) { return "COALESCE(TRIM(" + colonna + "), '')"; }
 
-// A WHERE text with its parameters.
-struct Filtro {
-  std::string where;
-  Parametri p;
-
-  void E(const std::string& condizione) { where += (where.empty() ? "" : " AND ") + condizione; }
-  // One key part: a blank value finds empty text, blanks and Null alike; any other value the
-  // trimmed text.
-  void Parte(const std::string& colonna, const Valore& valore) {
-    std::string v = valore.TestoTrim();
-    if (v.empty()) {
-      E(ParteVuota(colonna) + " = ''");
-    } else {
-      E(colonna + " = ?");
-      p.push_back(Valore(v));
-    }
-  }
-  void Piena(const std::string& colonna) { E(ParteVuota(colonna) + " <> ''"); }
-};
+// The key filter of every archive: a blank part finds empty text, blanks and Null alike, any
+// other part its trimmed text.
+using Filtro = FiltroCodice;
+// A part that holds a code.
+void Piena(Filtro& f, const std::string& colonna) { f.E("NOT " + CodiceVuoto(colonna)); }
 
 Filtro FiltroChiave(const Chiave& k, const Valore& g, const Valore& c, const Valore& s) {
   Filtro f;
@@ -287,7 +273,7 @@ std::string clsPianoConti::GetDescrizione(const Valore& Gruppo, const Valore& Co
 bool clsPianoConti::GruppoConConti(const Valore& CodiceGruppo) {
   Filtro f;
   f.Parte(kChiavePiano.gruppo, CodiceGruppo);
-  f.Piena(kChiavePiano.conto);
+  Piena(f, kChiavePiano.conto);
   return Esiste(*cn, f);
 }
 
@@ -295,7 +281,7 @@ bool clsPianoConti::ContoConSottoconti(const Valore& CodiceGruppo, const Valore&
   Filtro f;
   f.Parte(kChiavePiano.gruppo, CodiceGruppo);
   f.Parte(kChiavePiano.conto, CodiceConto);
-  f.Piena(kChiavePiano.sottoconto);
+  Piena(f, kChiavePiano.sottoconto);
   return Esiste(*cn, f);
 }
 
@@ -367,13 +353,13 @@ bool clsPianoConti::Ricerca(const Valore& Testo, Valore& Gruppo, Valore& Conto, 
     f.E(ParteVuota(kChiavePiano.gruppo) + " >= ?");
     f.p.push_back(Valore(g));
     if (c.empty()) {
-      f.Piena(kChiavePiano.conto);
-      f.Piena(kChiavePiano.sottoconto);
+      Piena(f, kChiavePiano.conto);
+      Piena(f, kChiavePiano.sottoconto);
     } else {
       f.E(ParteVuota(kChiavePiano.conto) + " >= ?");
       f.p.push_back(Valore(c));
       if (s.empty()) {
-        f.Piena(kChiavePiano.sottoconto);
+        Piena(f, kChiavePiano.sottoconto);
       } else {
         f.E(ParteVuota(kChiavePiano.sottoconto) + " > ?");
         f.p.push_back(Valore(s));

@@ -15,17 +15,9 @@ std::string Colonna(const DefinizioneAnagrafica& d, const std::string& colonna) 
 
 bool Blank(const Valore& v) { return v.IsNull() || v.IsEmpty() || (v.IsText() && v.Str().empty()); }
 
-// True when the key part is blank in the way its kind reads blanks.
-bool ChiaveBianca(const ChiaveAnagrafica& c, const Valore& v) {
-  if (c.tipo == TipoChiave::TestoBianco) return Trim(v.Testo()).empty();
-  return Blank(v);
-}
-
-// The condition that a column holds no code: null, empty, or (for a blank-tolerant part) blanks.
-std::string CondizioneBianca(const std::string& col, TipoChiave tipo) {
-  if (tipo == TipoChiave::TestoBianco) return "COALESCE(TRIM(" + col + "), '') = ''";
-  if (tipo == TipoChiave::Numero) return "(" + col + " IS NULL OR " + col + " = '' OR " + col + " = '0')";
-  return "(" + col + " = '' OR " + col + " IS NULL)";
+// The condition that a numeric key column holds no number.
+std::string NumeroVuoto(const std::string& col) {
+  return "(" + col + " IS NULL OR " + col + " = '' OR " + col + " = '0')";
 }
 
 }  // namespace
@@ -33,7 +25,8 @@ std::string CondizioneBianca(const std::string& col, TipoChiave tipo) {
 Connessione& Conn(const std::shared_ptr<Connessione>& cn) { return ConnessioneAssegnata(cn); }
 
 Valore ValoreChiave(const ChiaveAnagrafica& c, const Valore& v) {
-  if (c.tipo != TipoChiave::Numero) return v.IsEmpty() ? Valore(std::string()) : v;
+  // Text codes are compared and stored trimmed, as in every archive (FiltraCodice).
+  if (c.tipo != TipoChiave::Numero) return Blank(v) ? Valore(std::string()) : Valore(v.TestoTrim());
   if (Blank(v)) return Valore(std::string());
   if (!v.IsNumeric()) throw ErroreDb(13, "Tipo non corrispondente: " + c.colonna + " = " + v.Testo());
   return Valore(NumeroInTesto(v));
@@ -41,23 +34,23 @@ Valore ValoreChiave(const ChiaveAnagrafica& c, const Valore& v) {
 
 std::string FiltroChiavi(const DefinizioneAnagrafica& d, const Chiavi& k, Parametri& p, bool pieno) {
   if (k.size() > d.chiavi.size()) throw ErroreDb(3001, "Troppe parti di chiave per " + d.tabella);
-  std::string w;
+  FiltroCodice f;
   for (size_t i = 0; i < k.size(); ++i) {
     const auto& c = d.chiavi[i];
     std::string col = Colonna(d, c.colonna);
-    if (!w.empty()) w += " AND ";
     if (pieno && i + 1 == k.size()) {
       // Only a value that is there: a blank one finds nothing.
-      w += "(" + col + " = ? AND NOT " + CondizioneBianca(col, TipoChiave::TestoBianco) + ")";
-      p.push_back(ValoreChiave(c, k[i]));
-    } else if (ChiaveBianca(c, k[i])) {
-      w += CondizioneBianca(col, c.tipo);
+      f.E("(" + col + " = ? AND NOT " + CodiceVuoto(col) + ")", {ValoreChiave(c, k[i])});
+    } else if (c.tipo != TipoChiave::Numero) {
+      f.Parte(col, k[i]);
+    } else if (Blank(k[i])) {
+      f.E(NumeroVuoto(col));
     } else {
-      w += "(" + col + " = ?)";
-      p.push_back(ValoreChiave(c, k[i]));
+      f.E("(" + col + " = ?)", {ValoreChiave(c, k[i])});
     }
   }
-  return w;
+  p.insert(p.end(), f.p.begin(), f.p.end());
+  return f.where;
 }
 
 bool Localizza(Connessione& cn, const DefinizioneAnagrafica& d, Recordset& T, const Chiavi& k, const Valore& clientID,
@@ -101,24 +94,12 @@ bool Cancella(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& k) 
 bool Passo(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& fissi, Valore& codice, bool avanti) {
   if (d.passo >= d.chiavi.size() || fissi.size() != d.passo) throw ErroreDb(3001, "Scorrimento non previsto per " + d.tabella);
   const auto& c = d.chiavi[d.passo];
-  std::string col = Colonna(d, c.colonna);
-  Parametri p;
-  std::string w = FiltroChiavi(d, fissi, p);
-  if (!w.empty()) w += " AND ";
-  w += "NOT " + CondizioneBianca(col, TipoChiave::TestoBianco);
-  if (!d.filtroPasso.empty()) w += " AND (" + d.filtroPasso + ")";
-  bool inizio = Trim(codice.Testo()).empty();
-  std::string ordine;
-  if (inizio) {
-    ordine = avanti ? " DESC" : "";
-  } else {
-    w += avanti ? " AND " + col + " > ?" : " AND " + col + " < ?";
-    p.push_back(ValoreChiave(c, codice));
-    ordine = avanti ? "" : " DESC";
-  }
-  auto rs = cn.Execute("SELECT " + col + " FROM [" + d.tabella + "] WHERE " + w + " ORDER BY " + col + ordine + " LIMIT 1;", p);
-  if (rs.Eof()) return false;
-  codice = rs.Fields(0).Value();
+  FiltroCodice entro;
+  entro.where = FiltroChiavi(d, fissi, entro.p);
+  if (!d.filtroPasso.empty()) entro.E("(" + d.filtroPasso + ")");
+  Valore v = Trim(codice.Testo()).empty() ? Valore(std::string()) : ValoreChiave(c, codice);
+  if (!PassoCodice(cn, d.tabella, c.colonna, v, avanti, entro)) return false;
+  codice = v;
   return true;
 }
 

@@ -5,6 +5,9 @@
 
 #include "frame/Data.h"
 #include "ledger/clsCausaliContabili.h"
+#include "ledger/clsPrimaNota.h"
+#include "masterdata/clsCodiciIva.h"
+#include "masterdata/clsNazioni.h"
 #include "support/Azienda.h"
 
 using namespace vorn;
@@ -67,6 +70,67 @@ const char* const kRegistri[] = {"NESSUNO",
                                  "FATT. VENDITA IVA AD ESIG. DIFFERITA",
                                  "PAGAMENTO FATTURE CON ESIG. DIFF.",
                                  "FATT. ACQUISTI IVA AD ESIG. DIFF."};
+
+
+// One key filter and one stepping in every archive: a code is found by its trimmed text, a key
+// that is Null, empty or blanks is never a step, and the journal's copy of the movement settings
+// finds what the causals' own does.
+TEST_P(Causali, EveryArchiveFindsTrimmedCodesAndStepsOverBlankKeys) {
+  for (const char* codice : {"B20", "M10"}) Salva(codice, {{"DescrizioneCausale", Valore(std::string("Causale ") + codice)}, {"OperativitaContabile", Valore("1")}, {"TipoCausale", Valore("F")}});
+  cn->Esegui("INSERT INTO [Causali Contabili] ([CodiceCausale], [DescrizioneCausale]) VALUES (NULL, 'nulla'), "
+             "('', 'vuota')");
+  cn->Esegui("INSERT INTO [Codici Iva] ([Codice Iva], [Descrizione Iva]) VALUES ('10', 'Dieci'), ('22', 'Ventidue'), "
+             "(NULL, 'nulla'), ('', 'vuota')");
+  clsCodiciIva iva;
+  iva.cn = cn;
+
+  // Forward from a blank screen: the last code; backward: the first; never a blank one.
+  Valore c("");
+  ASSERT_TRUE(causali.RecordSuccessivo(c));
+  EXPECT_EQ(c, Valore("M10"));
+  c = Valore("");
+  ASSERT_TRUE(causali.RecordPrecedente(c));
+  EXPECT_EQ(c, Valore("B20"));
+  EXPECT_FALSE(causali.RecordPrecedente(c));
+  EXPECT_EQ(c, Valore("B20"));
+  c = Valore::Null();
+  ASSERT_TRUE(iva.RecordPrecedente(c));
+  EXPECT_EQ(c, Valore("10"));
+  EXPECT_FALSE(iva.RecordPrecedente(c));
+  c = Valore("");
+  ASSERT_TRUE(iva.RecordSuccessivo(c));
+  EXPECT_EQ(c, Valore("22"));
+  ASSERT_TRUE(iva.RecordPrecedente(c));
+  EXPECT_EQ(c, Valore("10"));
+
+  // A code typed with blanks finds its row in the causals, the journal and the VAT codes.
+  Valore reg, tipo, partite, operativita, intra, quadratura;
+  ASSERT_TRUE(causali.GetParametriCausaleMovimentazione(Valore(" M10 "), reg, tipo, partite, operativita, intra,
+                                                        quadratura));
+  EXPECT_EQ(operativita, Valore("1"));
+  clsPrimaNota pn;
+  pn.cn = cn;
+  Valore reg2, tipo2, partite2, operativita2, intra2, quadratura2;
+  ASSERT_TRUE(pn.GetParametriCausaleMovimentazione(Valore(" M10 "), reg2, tipo2, partite2, operativita2, intra2,
+                                                   quadratura2));
+  EXPECT_EQ(operativita2, operativita);
+  EXPECT_EQ(tipo2, Valore("F"));
+  EXPECT_EQ(iva.GetDescrizioneIva(Valore("22 ")), "Ventidue");
+
+  // The master family stores and finds a code trimmed too, and steps the same way.
+  clsNazioni nazioni;
+  nazioni.cn = cn;
+  cn->Esegui("INSERT INTO [Nazioni] ([Codice Nazione], [Descrizione Nazione]) VALUES (NULL, 'nulla'), ('', 'vuota')");
+  bool cancel = false;
+  ASSERT_TRUE(nazioni.SalvaRecord(Valore(" IT "), Valore("Italia"), Valore("IT"), Valore("086"), Valore("1"),
+                                  Valore("0"), Valore("prova"), 1, cancel));
+  EXPECT_EQ(cn->Scalare("SELECT [Descrizione Nazione] FROM [Nazioni] WHERE [Codice Nazione] = 'IT'"), Valore("Italia"));
+  EXPECT_TRUE(nazioni.ExistCodice(Valore("IT  ")));
+  c = Valore("");
+  ASSERT_TRUE(nazioni.RecordPrecedente(c));
+  EXPECT_EQ(c, Valore("IT"));
+  EXPECT_FALSE(nazioni.RecordPrecedente(c));
+}
 
 }  // namespace
 
