@@ -18,9 +18,13 @@ int64_t InteroDi(const Valore& v) {
 
 // The counter's row, locked on PostgreSQL until the transaction ends.
 Recordset LeggiContatore(Connessione& cn, const Contatore& c) {
+  VerificaNome(c.tabella);
+  VerificaNome(c.colonna, "colonna");
   std::string sql = "SELECT * FROM [" + c.tabella + "]";
   if (!c.where.empty()) sql += " WHERE " + c.where;
-  sql += " LIMIT 1";
+  // A blank key part matches both '' and Null, so old archives may hold the counter twice:
+  // the highest of them counts, on both engines the same.
+  sql += " ORDER BY COALESCE([" + c.colonna + "], 0) DESC LIMIT 1";
   if (cn.IsPostgres()) sql += " FOR UPDATE";
   return cn.ApriSql(sql, c.parametri);
 }

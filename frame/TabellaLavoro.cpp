@@ -1,0 +1,89 @@
+#include "frame/TabellaLavoro.h"
+
+#include "frame/Catalogo.h"
+
+namespace vorn {
+
+namespace {
+
+void VerificaPrefisso(const std::string& p) {
+  bool ok = !p.empty() && p.size() <= 30 && ((p[0] >= 'A' && p[0] <= 'Z') || (p[0] >= 'a' && p[0] <= 'z'));
+  for (char c : p)
+    ok = ok && ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_');
+  if (!ok)
+    throw ErroreDb(3265, "Prefisso di tabella di lavoro non valido: '" + p +
+                             "' (lettere, cifre e trattini bassi, una lettera per prima, al più 30 caratteri).");
+}
+
+std::string TipoColonna(const Connessione& cn, const ColonnaLavoro& c) {
+  if ((c.tipo == TipoCampo::Testo || c.tipo == TipoCampo::Memo) && c.larghezza > 0) {
+    std::string tipo = "VARCHAR(" + std::to_string(c.larghezza) + ")";
+    // SQLite does not enforce a declared width: a check does, as PostgreSQL would.
+    if (!cn.IsPostgres())
+      tipo += " CHECK (length([" + c.nome + "]) <= " + std::to_string(c.larghezza) + ")";
+    return tipo;
+  }
+  return TipoSql(c.tipo);
+}
+
+}  // namespace
+
+TabellaLavoro::TabellaLavoro(Connessione& cn, const std::string& prefisso, const std::string& nome,
+                             std::vector<ColonnaLavoro> colonne)
+    : cn_(cn), colonne_(std::move(colonne)) {
+  VerificaPrefisso(prefisso);
+  VerificaNome(nome);
+  nome_ = prefisso + nome;
+  VerificaNome(nome_);
+  if (TabellaCatalogoDi(nome_))
+    throw ErroreDb(3265, "'" + nome_ + "' è un archivio dell'azienda: non può essere una tabella di lavoro.");
+  if (colonne_.empty()) throw ErroreDb(3265, "Tabella di lavoro senza colonne: " + nome_);
+  for (const auto& c : colonne_) VerificaNome(c.nome, "colonna");
+}
+
+std::string TabellaLavoro::SqlCrea() const {
+  std::string sql = "CREATE TABLE [" + nome_ + "] (";
+  for (size_t i = 0; i < colonne_.size(); ++i)
+    sql += (i ? ", [" : "[") + colonne_[i].nome + "] " + TipoColonna(cn_, colonne_[i]);
+  return sql + ")";
+}
+
+void TabellaLavoro::Crea() {
+  Atomico a(cn_);
+  cn_.Esegui("DROP TABLE IF EXISTS [" + nome_ + "]");
+  cn_.Esegui(SqlCrea());
+  a.Conferma();
+  cn_.DimenticaSchema();
+}
+
+int64_t TabellaLavoro::Riempi(std::string_view select, const Parametri& p) {
+  std::string cols;
+  for (const auto& c : colonne_) cols += (cols.empty() ? "[" : ", [") + c.nome + "]";
+  return cn_.Esegui("INSERT INTO [" + nome_ + "] (" + cols + ") " + std::string(select), p);
+}
+
+void TabellaLavoro::Elimina() {
+  cn_.Esegui("DROP TABLE IF EXISTS [" + nome_ + "]");
+  cn_.DimenticaSchema();
+}
+
+Valore DataIngresso(const Valore& v, std::string_view cosa) {
+  if (v.IsNull() || v.IsEmpty() || (v.IsText() && Trim(v.Str()).empty())) return Valore::Null();
+  if (v.tipo() == Valore::Tipo::Data) return v;
+  if (v.IsText())
+    if (auto d = v.ComeData()) return Valore(*d);
+  throw ErroreDb(13, std::string(cosa) + " non valida: '" + v.Testo() + "' (attesa una data gg/mm/aaaa).");
+}
+
+Valore ImportoIngresso(const Valore& v, std::string_view cosa) {
+  if (v.IsNull() || v.IsEmpty() || (v.IsText() && Trim(v.Str()).empty())) return Valore::Null();
+  std::optional<Importo> i;
+  try {
+    i = v.ComeImporto();
+  } catch (const std::exception&) {
+  }
+  if (!i) throw ErroreDb(13, std::string(cosa) + " non valido: '" + v.Testo() + "' (atteso un importo come 1.234,50).");
+  return Valore(*i);
+}
+
+}  // namespace vorn

@@ -1,0 +1,58 @@
+// Work tables: the tables that a print or a run fills with a statement and reads back, made
+// from declared columns so that every column reads back with the same type on both engines
+// (an amount as an amount, a date as a date), never with what an engine guesses from a
+// "CREATE TABLE ... AS SELECT".
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/Db.h"
+
+namespace vorn {
+
+// A column of a work table, of the catalogue's kinds. A text with a width holds at most that
+// many characters on both engines (a longer value is an error on both); width 0 is unbounded.
+struct ColonnaLavoro {
+  std::string nome;
+  TipoCampo tipo = TipoCampo::Testo;
+  int larghezza = 0;
+};
+
+class TabellaLavoro {
+ public:
+  // The table is named prefisso + nome. The prefix (a client's or a run's) must be a plain
+  // name: letters, digits and underscores, a letter first, at most 30 characters; the name
+  // passes VerificaNome. A name that is a table of the company's catalogue is refused: a work
+  // table never takes the place of an archive.
+  TabellaLavoro(Connessione& cn, const std::string& prefisso, const std::string& nome, std::vector<ColonnaLavoro> colonne);
+
+  const std::string& Nome() const { return nome_; }
+  const std::vector<ColonnaLavoro>& Colonne() const { return colonne_; }
+
+  // Drops a previous table of the same name and creates the table empty.
+  void Crea();
+  // INSERT INTO the table (its columns, in order) the rows of `select`, which gives one value
+  // per column in the same order. The count of rows added.
+  int64_t Riempi(std::string_view select, const Parametri& p = {});
+  // Drops the table; nothing when it is not there.
+  void Elimina();
+
+  // The statement that creates it on the engine of the connection.
+  std::string SqlCrea() const;
+
+ private:
+  Connessione& cn_;
+  std::string nome_;
+  std::vector<ColonnaLavoro> colonne_;
+};
+
+// A date as a client passes it to a public operation (a date, or text "dd/mm/yyyy"), as the
+// date value that reaches the statement; Null, Empty and blank text give Null. Anything else
+// is ErroreDb 13 naming `cosa`.
+Valore DataIngresso(const Valore& v, std::string_view cosa = "data");
+// An amount as a client passes it (an amount, a number, or text of the Italian locale such
+// as "1.234,50"), as the amount that reaches the statement; Null, Empty and blank give Null.
+Valore ImportoIngresso(const Valore& v, std::string_view cosa = "importo");
+
+}  // namespace vorn
