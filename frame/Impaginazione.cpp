@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/Comuni.h"
+#include "frame/FileVorn.h"
 #include "frame/Globali.h"
 
 namespace vorn {
@@ -15,12 +16,6 @@ std::ifstream ApriIngresso(const std::string& percorso) {
   std::ifstream in(percorso, std::ios::binary);
   if (!in) throw std::runtime_error("Impossibile aprire il file " + percorso);
   return in;
-}
-
-std::ofstream ApriUscita(const std::string& percorso) {
-  std::ofstream out(percorso, std::ios::binary | std::ios::trunc);
-  if (!out) throw std::runtime_error("Impossibile creare il file " + percorso);
-  return out;
 }
 
 bool LeggiRiga(std::istream& in, std::string& riga) {
@@ -120,11 +115,12 @@ void ImpaginaFile(const std::string& ingresso, const std::string& uscita, int ri
                   const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede, bool asterischi) {
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
-  auto out = ApriUscita(uscita);
+  FileStampa out(uscita);
   std::vector<std::string> t = {"", ""};
   t.insert(t.end(), testata.begin(), testata.end());
-  Pagine pagine(out, righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), -1);
+  Pagine pagine(out.Flusso(), righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), -1);
   Impagina(pagine, in, asterischi);
+  out.Chiudi();
 }
 
 void ImpaginaFileAzienda(const std::string& ingresso, const std::string& uscita, int righe,
@@ -133,13 +129,14 @@ void ImpaginaFileAzienda(const std::string& ingresso, const std::string& uscita,
   RigaPagina("", 0);
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
-  auto out = ApriUscita(uscita);
+  FileStampa out(uscita);
   std::vector<std::string> t = {""};
   t.insert(t.end(), testata.begin(), testata.begin() + static_cast<long>(ContaRighe(testata)));
   std::vector<std::string> p(piede.begin(), piede.begin() + static_cast<long>(ContaRighe(piede)));
   int indice = rigaPagina >= 1 && rigaPagina < static_cast<int>(t.size()) ? rigaPagina : -1;
-  Pagine pagine(out, righe, std::move(t), std::move(p), indice);
+  Pagine pagine(out.Flusso(), righe, std::move(t), std::move(p), indice);
   Impagina(pagine, in, asterischi);
+  out.Chiudi();
 }
 
 std::string RigaPagina(const std::string& riga, const std::optional<Valore>& azzera) {
@@ -159,7 +156,8 @@ void ImpaginaSemplice(const std::string& ingresso, const std::string& uscita, in
                       const std::string& prefisso, Valore& numero) {
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
-  auto out = ApriUscita(uscita);
+  FileStampa uscitaStampa(uscita);
+  std::ostream& out = uscitaStampa.Flusso();
   int riga = 1;
   std::string linea;
   while (LeggiRiga(in, linea)) {
@@ -172,6 +170,7 @@ void ImpaginaSemplice(const std::string& ingresso, const std::string& uscita, in
     }
     out << testo << '\n';
   }
+  uscitaStampa.Chiudi();
 }
 
 }  // namespace vorn

@@ -1,6 +1,7 @@
 // The pagination pass of the reports: a body file written with no page logic is copied to the
 // final file with heads, feet and page numbers. Lines end with "\n"; the reports are 131
-// columns wide, and every width counts characters of the UTF-8 text.
+// columns wide, and every width counts characters of the UTF-8 text. The final file is written
+// through FileStampa: whole or not at all, and never over a file that is not a report.
 #pragma once
 #include <array>
 #include <optional>

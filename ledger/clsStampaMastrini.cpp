@@ -183,10 +183,13 @@ bool clsStampaMastrini::Stampa_Completa_Mastrino(const Valore& daData, const Val
 }
 
 void clsStampaMastrini::ImpaginaMastrini(const std::string& ingresso, const ArgomentiStampaMastrini& a) {
-  std::ofstream out(a.nomeFile, std::ios::binary | std::ios::trunc);
-  if (!out) throw std::runtime_error("Impossibile creare il file " + a.nomeFile);
+  FileStampa uscita(a.nomeFile);
+  std::ostream& out = uscita.Flusso();
   std::ifstream in(ingresso, std::ios::binary);
-  if (!in) return;  // nothing printed: an empty file
+  if (!in) {
+    uscita.Chiudi();  // nothing printed: an empty file
+    return;
+  }
 
   // A page holds at least its head, a card's heading and one row.
   const int righe = std::max(a.avar_RighePagina, kRigheTestataPagina + kRigheTestataScheda + 1);
@@ -243,8 +246,7 @@ void clsStampaMastrini::ImpaginaMastrini(const std::string& ingresso, const Argo
     scrivi(riga);
   }
   if (aperta) chiudiPagina();
-  out.close();
-  if (!out) throw std::runtime_error("Errore di scrittura del file " + a.nomeFile);
+  uscita.Chiudi();
 }
 
 Valore clsStampaMastrini::UltimoScarico(const ArgomentiStampaMastrini& a) {

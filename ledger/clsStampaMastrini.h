@@ -1,6 +1,7 @@
-// The printed ledger cards. Each card is written to Temp/mastrino.tmp and added to
-// Temp/mastrino.txt; a print of one list, of all sub-accounts, of a range, or of the clients or
-// suppliers, then lays the accumulated cards out on pages of the caller's file.
+// The printed ledger cards. Each card is written to mastrino.tmp and added to mastrino.txt, both
+// in the run's working folder (CartellaTemp()); a print of one list, of all sub-accounts, of a
+// range, or of the clients or suppliers, then lays the accumulated cards out on pages of the
+// caller's file, written through FileStampa.
 //
 // A card in mastrino.txt begins with a line holding a form feed alone, followed by its heading
 // (kRigheTestataScheda lines), which the pages repeat when the card runs on.
@@ -71,7 +72,7 @@ class clsStampaMastrini {
                             bool avar_SortRagioneSociale, const Valore& avar_SottocontoApparten,
                             const Valore& avar_Agente, const Valore& avar_Zona);
 
-  // One card into Temp/mastrino.tmp, added to Temp/mastrino.txt. False when the card has no row
+  // One card into mastrino.tmp, added to mastrino.txt. False when the card has no row
   // and a zero opening: then nothing is written.
   bool Stampa_Completa_Mastrino(const Valore& daData, const Valore& aData, const Valore& avar_Sottoconto,
                                 const Valore& avar_IndCliFor, const Valore& avar_CodCliFor,
@@ -93,7 +94,7 @@ class clsStampaMastrini {
   // Lays the cards of `ingresso` out on pages of `nomeFile` (used by the prints above).
   void ImpaginaMastrini(const std::string& ingresso, const ArgomentiStampaMastrini& a);
 
-  // The card files under the application's Temp folder.
+  // The card files in the run's working folder.
   static std::string FileScheda();
   static std::string FileAccumulo();
 

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -213,11 +216,67 @@ TEST_F(Impaginazione, FilesAndFolders) {
   EXPECT_EQ(vorn::test::LeggiFile(dest), "testa\nuno\ndue\n");
 }
 
-TEST_F(Impaginazione, CartellaTempOfTheApplication) {
+TEST_F(Impaginazione, ReportsLandInTempAndWorkingFilesInAFolderOfTheRun) {
   HostSilenzioso host(dir->Percorso() + "/Applicazione/");
   ImpostaHost(&host);
-  std::string t = vorn::CartellaTemp();
+  std::string stampe = vorn::CartellaStampe();
+  std::string lavoro = vorn::CartellaTemp();
+  EXPECT_EQ(vorn::CartellaTemp(), lavoro);  // one folder for the whole run
   ImpostaHost(nullptr);
-  EXPECT_EQ(t, dir->Percorso() + "/Applicazione/Temp");
-  EXPECT_TRUE(fs::is_directory(t));
+  EXPECT_EQ(stampe, dir->Percorso() + "/Applicazione/Temp");
+  EXPECT_EQ(fs::path(lavoro).parent_path().string(), stampe);
+  EXPECT_TRUE(fs::is_directory(lavoro));
+  // Another process in the same application folder works in a folder of its own.
+  int tubo[2];
+  ASSERT_EQ(pipe(tubo), 0);
+  if (fork() == 0) {
+    ImpostaHost(&host);
+    std::string l = vorn::CartellaTemp();
+    ssize_t w = write(tubo[1], l.data(), l.size());
+    _exit(w == static_cast<ssize_t>(l.size()) ? 0 : 1);
+  }
+  close(tubo[1]);
+  char buf[1024];
+  ssize_t n = read(tubo[0], buf, sizeof buf);
+  close(tubo[0]);
+  wait(nullptr);
+  ASSERT_GT(n, 0);
+  EXPECT_NE(std::string(buf, static_cast<size_t>(n)), lavoro);
+  EXPECT_TRUE(fs::is_directory(lavoro));  // the child left the parent's folder alone
+  vorn::ChiudiCartellaTemp();
+  EXPECT_FALSE(fs::exists(lavoro));
+}
+
+TEST_F(Impaginazione, AReportIsWrittenWholeOrFailsAndNeverOverAFileThatIsNotAReport) {
+  Corpo(Corpo(3));
+  // A full device: the write fails with the file's name.
+  try {
+    ImpaginaFile(ingresso, "/dev/full", 10, testata, piede);
+    ADD_FAILURE() << "nessun errore su /dev/full";
+  } catch (const ErroreStampa& e) {
+    EXPECT_NE(std::string(e.what()).find("/dev/full"), std::string::npos) << e.what();
+  }
+  EXPECT_THROW(AccodaFile(ingresso, "/dev/full"), ErroreStampa);
+  // A binary file and a text that is no report are refused and untouched.
+  const std::string binario = dir->Percorso() + "/dati.bin";
+  { std::ofstream(binario, std::ios::binary) << std::string("SQLite format 3\0\x10\0", 19); }
+  const std::string testo = dir->Percorso() + "/lettera.txt";
+  { std::ofstream(testo) << "Gentile cliente,\n"; }
+  for (const std::string& f : {binario, testo, dir->Percorso()}) {
+    EXPECT_THROW(ImpaginaFileAzienda(ingresso, f, 20, {"Pag:"}, {}, 1), ErroreStampa) << f;
+    EXPECT_THROW(ImpaginaSemplice(ingresso, f, 20, 0, "", 0, "", 0, "", *std::make_unique<Valore>(1)), ErroreStampa);
+  }
+  EXPECT_EQ(vorn::test::LeggiFile(binario), std::string("SQLite format 3\0\x10\0", 19));
+  EXPECT_EQ(vorn::test::LeggiFile(testo), "Gentile cliente,\n");
+  EXPECT_THROW(ImpaginaFile(ingresso, dir->Percorso() + "/manca/stampa.txt", 10, testata, piede), ErroreStampa);
+  // A report of ours is replaced by the next.
+  testata[0] = "Pag:   1";
+  ImpaginaFile(ingresso, uscita, 20, testata, piede);
+  Corpo(Corpo(2, "nuova "));
+  ImpaginaFile(ingresso, uscita, 20, testata, piede);
+  EXPECT_NE(Uscita().find("nuova 2"), std::string::npos);
+  EXPECT_EQ(Uscita().find("riga 3"), std::string::npos);
+  // No working copy is left behind.
+  for (const auto& e : fs::directory_iterator(dir->Percorso()))
+    EXPECT_NE(e.path().filename().string().front(), '.') << e.path();
 }
