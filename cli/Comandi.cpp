@@ -1,9 +1,13 @@
 #include "cli/Comandi.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <sstream>
 
+#include "frame/FileVorn.h"
 #include "frame/Globali.h"
 #include "frame/Valore.h"
 
@@ -96,7 +100,13 @@ AziendaCli LeggiAzienda(Argomenti& a) {
   return az;
 }
 
-std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az) {
+std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az, Accesso accesso) {
+  if (!az.postgres) {
+    std::error_code ec;
+    if (!std::filesystem::exists(az.file, ec)) throw ErroreComando("l'azienda " + az.file + " non esiste");
+    if (std::filesystem::is_directory(az.file, ec))
+      throw ErroreComando(az.file + " è una cartella, non il file di un'azienda");
+  }
   auto db = std::make_unique<clsDB>();
   bool ok;
   if (az.postgres) {
@@ -105,10 +115,47 @@ std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az) {
     if (!az.pg.port.empty()) server += ":" + az.pg.port;
     ok = db->ConnettiDatabasePostgreSQL(Valore(az.pg.database), Valore(server), Valore(az.pg.user), Valore(az.pg.password));
   } else {
+    db->solaLetturaSQLite = accesso == Accesso::Lettura;
     ok = db->ConnettiDatabaseSQLite(Valore(az.file), Valore());
   }
   if (!ok) throw ErroreComando("");  // the host has already said why
   return db;
+}
+
+const char* const kUsoUscitaStampa =
+    "Il file della stampa non può essere il file dell'azienda (con qualunque nome lo si indichi).\n"
+    "Un file che esiste già viene sostituito solo se è vuoto o se è una stampa (testo con il numero\n"
+    "di pagina, \"Pag:\"): mai un database, un programma o un altro file. La stampa è scritta a parte\n"
+    "e prende il nome indicato solo quando è completa; se non si può scrivere tutta (disco pieno)\n"
+    "il comando termina con un errore e il file di prima resta com'era.\n";
+
+std::string UscitaStampa(const AziendaCli& az, const std::string& uscita) {
+  struct stat out{};
+  if (!az.postgres && stat(uscita.c_str(), &out) == 0) {
+    for (const char* parte : {"", "-wal", "-shm", "-journal"}) {
+      struct stat f{};
+      if (stat((az.file + parte).c_str(), &f) == 0 && f.st_dev == out.st_dev && f.st_ino == out.st_ino)
+        throw ErroreComando("il file della stampa " + uscita + " è " +
+                            (*parte ? std::string("un file di lavoro dell'azienda ") : std::string("l'azienda ")) +
+                            az.file + ": indicare un altro file");
+    }
+  }
+  try {
+    VerificaUscitaStampa(uscita);
+  } catch (const ErroreStampa& e) {
+    throw ErroreComando(e.what());
+  }
+  return uscita;
+}
+
+int RighePagina(Argomenti& a, int predefinite, int minimo) {
+  auto r = a.Opzione("--righe");
+  if (!r) return predefinite;
+  auto n = Valore(*r).ComeIntero();
+  if (!n || *n < minimo || *n > 10000)
+    throw ErroreUso("--righe vuole le righe di una pagina, testata e piede compresi, da " + std::to_string(minimo) +
+                    " a 10000: " + *r);
+  return static_cast<int>(*n);
 }
 
 namespace {
@@ -130,6 +177,24 @@ void Aiuto(std::ostream& out) {
       << kUsoAzienda << "\nvorn COMANDO --help descrive ogni comando.\n";
 }
 
+// True when `parola` opens commands of two words ("stampa" of "stampa mastrini").
+bool Gruppo(const std::string& parola) {
+  for (const auto& [nome, c] : Registro())
+    if (nome.rfind(parola + " ", 0) == 0) return true;
+  return false;
+}
+
+void ElencoGruppo(std::ostream& out, const std::string& parola) {
+  out << "Uso: vorn " << parola << " SCELTA [ARGOMENTI]\n\nScelte:\n";
+  for (const auto& [nome, c] : Registro()) {
+    if (nome.rfind(parola + " ", 0) != 0) continue;
+    std::string n = nome.substr(parola.size() + 1);
+    n.resize(std::max<size_t>(22, n.size()), ' ');
+    out << "  " << n << c.sintesi << "\n";
+  }
+  out << "\nvorn " << parola << " SCELTA --help descrive ogni scelta.\n";
+}
+
 }  // namespace
 
 int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* err) {
@@ -139,8 +204,14 @@ int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* e
   bool aiuto = false;
   for (size_t i = 0; i < argv.size(); ++i) {
     const std::string& a = argv[i];
-    if (a == "--si" || a == "--sì") risposta = vbYes;
-    else if (a == "--no") risposta = vbNo;
+    if (a == "--si" || a == "--sì" || a == "--no") {
+      int r = a == "--no" ? vbNo : vbYes;
+      if (risposta && *risposta != r) {
+        std::fprintf(err, "vorn: --si e --no insieme: indicarne uno solo (vorn --help)\n");
+        return 2;
+      }
+      risposta = r;
+    }
     else if (a == "--help" || a == "-h") aiuto = true;
     else if (a == "--cartella" && i + 1 < argv.size()) cartella = argv[++i];
     else if (a.rfind("--cartella=", 0) == 0) cartella = a.substr(11);
@@ -171,6 +242,16 @@ int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* e
     }
   }
   if (!cmd) {
+    // A word that opens a group of commands ("stampa"): alone it lists the group.
+    if (Gruppo(args[0])) {
+      if (args.size() >= 2) {
+        std::fprintf(err, "vorn %s: scelta sconosciuta: %s (vorn %s elenca le scelte)\n", args[0].c_str(),
+                     args[1].c_str(), args[0].c_str());
+        return 2;
+      }
+      ElencoGruppo(out, args[0]);
+      return aiuto ? 0 : 2;
+    }
     std::fprintf(err, "vorn: comando sconosciuto: %s (vorn --help elenca i comandi)\n", args[0].c_str());
     return 2;
   }
@@ -189,26 +270,29 @@ int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* e
     rc = cmd->esegui(ctx);
   } catch (const ErroreUso& e) {
     form.Fine();
-    std::fprintf(err, "vorn %s: %s (vorn %s --help)\n", cmd->nome.c_str(), e.what(), cmd->nome.c_str());
+    std::fprintf(err, "vorn %s: %s (vorn %s --help)\n", cmd->nome.c_str(), UnaRigaErrore(e.what()).c_str(),
+                 cmd->nome.c_str());
     rc = 2;
   } catch (const ErroreComando& e) {
     form.Fine();
-    if (*e.what()) std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    if (*e.what()) std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), UnaRigaErrore(e.what()).c_str());
     rc = 1;
   } catch (const DomandaSenzaRisposta& e) {
     form.Fine();
-    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), UnaRigaErrore(e.what()).c_str());
     rc = 1;
   } catch (const ErroreDb& e) {
     form.Fine();
-    std::fprintf(err, "vorn %s: errore del database %ld: %s\n", cmd->nome.c_str(), e.Numero(), e.Descrizione().c_str());
+    std::fprintf(err, "vorn %s: errore del database %ld: %s\n", cmd->nome.c_str(), e.Numero(),
+                 UnaRigaErrore(e.Descrizione()).c_str());
     rc = 1;
   } catch (const std::exception& e) {
     form.Fine();
-    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), e.what());
+    std::fprintf(err, "vorn %s: %s\n", cmd->nome.c_str(), UnaRigaErrore(e.what()).c_str());
     rc = 1;
   }
   form.Fine();
+  ChiudiCartellaTemp();
   ImpostaHost(nullptr);
   if (G().ConnessioneGlobale) G().ConnessioneGlobale.reset();
   return rc;

@@ -72,9 +72,23 @@ struct AziendaCli {
   std::string Descrizione() const;
 };
 AziendaCli LeggiAzienda(Argomenti& a);
-// Connects to the company and loads the process-wide parameters; ErroreComando when it fails.
-std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az);
+// How a command uses the company: a command that only reads opens an SQLite file read-only, so
+// that it works on a read-only file and leaves the file as it found it.
+enum class Accesso { Lettura, Scrittura };
+// Connects to the company and loads the process-wide parameters; ErroreComando when it fails
+// (a missing SQLite file is told in one line before any connection is tried).
+std::unique_ptr<clsDB> ApriAzienda(const AziendaCli& az, Accesso accesso);
 extern const char* const kUsoAzienda;
+
+// The file a print writes: never the company's file (nor its journal files), whatever the name
+// it goes by, and never an existing file that is not a report (VerificaUscitaStampa).
+// ErroreComando when refused; the path as given otherwise.
+std::string UscitaStampa(const AziendaCli& az, const std::string& uscita);
+extern const char* const kUsoUscitaStampa;
+
+// --righe N: the lines of a page, head and foot included, the same in every print. `minimo` is
+// the head and foot of the print plus one line of body; ErroreUso outside minimo..10000.
+int RighePagina(Argomenti& a, int predefinite, int minimo);
 
 // Runs vorn with the given arguments (argv without the program name).
 int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* err = stderr);

@@ -1,9 +1,11 @@
 #include "cli/HostConsole.h"
 
+#include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 #include "frame/Valore.h"
@@ -42,7 +44,7 @@ std::string HostConsole::CartellaPredefinita() {
 }
 
 int HostConsole::MsgBox(const std::string& testo, int stile, const std::string& titolo) {
-  std::fprintf(err_, "%s: %s\n", titolo.c_str(), Righe(testo).c_str());
+  std::fprintf(err_, "%s: %s\n", titolo.c_str(), UnaRigaErrore(testo).c_str());
   if (!StileDomanda(stile)) {
     std::fflush(err_);
     return vbOK;
@@ -57,7 +59,7 @@ int HostConsole::MsgBox(const std::string& testo, int stile, const std::string& 
   std::FILE* tty = nullptr;
   if (!in) {
     if (!isatty(STDIN_FILENO) || !(tty = std::fopen("/dev/tty", "r")))
-      throw DomandaSenzaRisposta("domanda senza risposta in uso non interattivo: \"" + Righe(testo) +
+      throw DomandaSenzaRisposta("domanda senza risposta in uso non interattivo: \"" + UnaRigaErrore(testo) +
                                  "\"; rilanciare con --si o --no");
     in = tty;
   }
@@ -67,7 +69,7 @@ int HostConsole::MsgBox(const std::string& testo, int stile, const std::string& 
     char buf[64];
     if (!std::fgets(buf, sizeof buf, in)) {
       if (tty) std::fclose(tty);
-      throw DomandaSenzaRisposta("nessuna risposta alla domanda: \"" + Righe(testo) + "\"");
+      throw DomandaSenzaRisposta("nessuna risposta alla domanda: \"" + UnaRigaErrore(testo) + "\"");
     }
     std::string r = LCase(Trim(std::string_view(buf).substr(0, std::string_view(buf).find('\n'))));
     if (r == "s" || r == "si" || r == "sì" || r == "y" || r == "yes") {
@@ -130,19 +132,67 @@ void FormConsole::Fine() {
   aperta_ = false;
 }
 
+std::string UnaRigaErrore(const std::string& testo) {
+  std::string s;
+  size_t i = 0;
+  while (i <= testo.size()) {
+    size_t fine = testo.find_first_of("\r\n", i);
+    if (fine == std::string::npos) fine = testo.size();
+    std::string riga = testo.substr(i, fine - i);
+    i = fine + 1;
+    std::string t = Trim(riga);
+    if (t.empty()) continue;
+    bool dettaglio = !s.empty() && (riga[0] == ' ' || riga[0] == '\t' || t.find_first_not_of('^') == std::string::npos);
+    for (const char* m : {"LINE ", "DETAIL:", "HINT:", "CONTEXT:", "QUERY:", "STATEMENT:", "RIGA ", "DETTAGLI:", "SUGGERIMENTO:", "CONTESTO:"})
+      if (t.rfind(m, 0) == 0) dettaglio = true;
+    if (dettaglio) break;
+    s += (s.empty() ? "" : " ") + t;
+  }
+  return s;
+}
+
+namespace {
+
+// The terminal as it was before the password prompt, put back by a signal that ends the
+// process while the echo is off (Ctrl-C, Ctrl-\\, a hang-up, a kill).
+termios gTerminale{};
+volatile sig_atomic_t gEcoSpenta = 0;
+constexpr int kSegnali[] = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
+
+void RipristinaTerminale(int segnale) {
+  if (gEcoSpenta) {
+    tcsetattr(STDIN_FILENO, TCSANOW, &gTerminale);
+    gEcoSpenta = 0;
+    ssize_t r = write(STDERR_FILENO, "\n", 1);
+    (void)r;
+  }
+  signal(segnale, SIG_DFL);
+  raise(segnale);
+}
+
+}  // namespace
+
 std::string LeggiPasswordNascosta(const std::string& richiesta) {
   if (!isatty(STDIN_FILENO)) return {};
   std::fprintf(stderr, "%s", richiesta.c_str());
   std::fflush(stderr);
   termios vecchio{};
   tcgetattr(STDIN_FILENO, &vecchio);
+  gTerminale = vecchio;
+  struct sigaction nuova{}, prima[std::size(kSegnali)];
+  nuova.sa_handler = RipristinaTerminale;
+  sigemptyset(&nuova.sa_mask);
+  for (size_t i = 0; i < std::size(kSegnali); ++i) sigaction(kSegnali[i], &nuova, &prima[i]);
   termios nuovo = vecchio;
   nuovo.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  gEcoSpenta = 1;
   tcsetattr(STDIN_FILENO, TCSANOW, &nuovo);
   char buf[256];
   std::string out;
   if (std::fgets(buf, sizeof buf, stdin)) out = std::string(buf).substr(0, std::string(buf).find('\n'));
   tcsetattr(STDIN_FILENO, TCSANOW, &vecchio);
+  gEcoSpenta = 0;
+  for (size_t i = 0; i < std::size(kSegnali); ++i) sigaction(kSegnali[i], &prima[i], nullptr);
   std::fprintf(stderr, "\n");
   return out;
 }

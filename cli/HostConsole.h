@@ -56,6 +56,10 @@ class FormConsole : public IForm {
   std::chrono::steady_clock::time_point inizio_, ultima_;
 };
 
+// A message in one line: its lines joined, a database server's detail block (LINE, DETAIL,
+// HINT, CONTEXT, QUERY, an indented continuation, and what follows them) left out.
+std::string UnaRigaErrore(const std::string& testo);
+
 // Reads a password from the terminal without echo; empty when there is no terminal.
 std::string LeggiPasswordNascosta(const std::string& richiesta);
 

@@ -33,33 +33,6 @@ std::string UnaRiga(const std::string& testo) {
   return Trim(s);
 }
 
-std::string VirgolettePg(const std::string& nome) {
-  std::string s = "\"";
-  for (char c : nome) {
-    if (c == '"') s += '"';
-    s += c;
-  }
-  return s + "\"";
-}
-
-// Takes away a company whose creation did not end: the file, or the database.
-void EliminaAziendaIncompleta(const AziendaCli& az, std::shared_ptr<Connessione>& cn) {
-  if (cn) cn->Close();
-  cn.reset();
-  try {
-    if (!az.postgres) {
-      std::error_code ec;
-      std::filesystem::remove(az.file, ec);
-      return;
-    }
-    ParametriPostgres p = az.pg;
-    p.database = "postgres";
-    auto admin = Connessione::ApriPostgres(p);
-    admin->Esegui("DROP DATABASE IF EXISTS " + VirgolettePg(az.pg.database));
-  } catch (const std::exception&) {
-  }
-}
-
 int64_t Conta(Connessione& cn, const std::string& sql) {
   Valore v = cn.Scalare(sql);
   return v.ComeIntero().value_or(0);
@@ -84,21 +57,24 @@ int CreaAzienda(Contesto& ctx) {
       throw ErroreUso(e.what());
     }
   }
+  // The model is loaded inside the creation: the company appears whole or not at all.
+  std::string riepilogo;
+  auto riempi = [&](Connessione& c) {
+    if (modello.empty()) return;
+    try {
+      CaricaModello(c, modello);
+      riepilogo = Riepilogo(c);
+    } catch (const ErroreDb& e) {
+      throw ErroreDb(e.Numero(), "Impossibile caricare il modello " + modello + ": " + e.Descrizione(), e.SqlState());
+    } catch (const std::exception& e) {
+      throw ErroreDb(0, std::string("Impossibile caricare il modello ") + modello + ": " + e.what());
+    }
+  };
   std::shared_ptr<Connessione> cn;
   try {
-    cn = az.postgres ? CreaAziendaPostgres(az.pg) : CreaAziendaSqlite(az.file);
+    cn = az.postgres ? CreaAziendaPostgres(az.pg, riempi) : CreaAziendaSqlite(az.file, riempi);
   } catch (const ErroreDb& e) {
     throw ErroreComando(UnaRiga(e.Descrizione()));
-  }
-  std::string riepilogo;
-  if (!modello.empty()) {
-    try {
-      CaricaModello(*cn, modello);
-      riepilogo = Riepilogo(*cn);
-    } catch (const std::exception& e) {
-      EliminaAziendaIncompleta(az, cn);
-      throw ErroreComando(UnaRiga(std::string("Impossibile caricare il modello ") + modello + ": " + e.what()));
-    }
   }
   cn->Close();
   ctx.out << "Azienda creata: " << az.Descrizione();
@@ -121,7 +97,7 @@ std::string Unisci(std::initializer_list<std::string> parti, const std::string& 
 int MostraAzienda(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   auto cn = db->cn;
   std::ostream& out = ctx.out;
 

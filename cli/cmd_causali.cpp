@@ -11,13 +11,16 @@ namespace vorn::cli {
 
 namespace {
 
+// The head of the print (an empty line and six lines) and its foot (one line), and a line of body.
+constexpr int kMinimoRigheCodiciIva = 9;
+
 std::string Col(const std::string& testo, int larghezza) { return PadSinistra(Valore(testo), larghezza); }
 std::string ColDestra(const std::string& testo, int larghezza) { return PadDestra(Valore(testo), larghezza); }
 
 int EseguiCausali(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   clsCausaliContabili causali;
   causali.cn = db->cn;
   Recordset rs;
@@ -47,7 +50,7 @@ int EseguiCausali(Contesto& ctx) {
 int EseguiCodiciIva(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   clsCodiciIva iva;
   iva.cn = db->cn;
   Recordset rs = db->cn->Execute("SELECT [Codice Iva] FROM [Codici Iva] ORDER BY [Codice Iva];");
@@ -77,28 +80,22 @@ int EseguiCodiciIva(Contesto& ctx) {
 }
 
 int EseguiStampa(Contesto& ctx) {
-  auto righe = ctx.args.Opzione("--righe");
+  int righePagina = RighePagina(ctx.args, 66, kMinimoRigheCodiciIva);
   auto data = ctx.args.Opzione("--data");
   auto presso = ctx.args.Opzione("--presso");
   auto pressoPiva = ctx.args.Opzione("--presso-piva");
   AziendaCli az = LeggiAzienda(ctx.args);
   std::string uscita = ctx.args.Posizionale("il file della stampa (OUT)");
   ctx.args.Fine();
-
-  int righePagina = 66;
-  if (righe) {
-    auto n = Valore(*righe).ComeIntero();
-    if (!n || *n < 5 || *n > 10000) throw ErroreUso("--righe vuole un numero di righe da 5 a 10000");
-    righePagina = static_cast<int>(*n);
-  }
   Valore dataStampa;
   if (data) {
     auto d = Data::DaTesto(*data);
     if (!d) throw ErroreUso("--data vuole una data GG/MM/AAAA");
     dataStampa = Valore(*d);
   }
+  UscitaStampa(az, uscita);
 
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   // Who printed it: the company itself unless told otherwise.
   std::string ragione, piva;
   Recordset ditta = db->cn->Execute("SELECT [Ragione Sociale], [Partita IVA] FROM [Tabella Azienda] LIMIT 1;");
@@ -145,11 +142,11 @@ const RegistraComando registraStampa({
     "Uso: vorn stampa codici-iva FILE OUT [--righe N] [--data GG/MM/AAAA]\n"
     "                            [--presso NOME] [--presso-piva PARTITA_IVA]\n\n"
     "Scrive in OUT la stampa impaginata dei codici IVA e ne stampa il percorso.\n"
-    "  --righe N          righe per pagina (predefinite 66)\n"
+    "  --righe N          righe di una pagina, testata e piede compresi (predefinite 66, almeno 9)\n"
     "  --data             data di stampa (predefinita oggi)\n"
     "  --presso, --presso-piva\n"
     "                     chi ha elaborato la stampa, nel piede (predefinita l'azienda)\n\n" +
-        std::string(kUsoAzienda),
+        std::string(kUsoUscitaStampa) + "\n" + kUsoAzienda,
     EseguiStampa,
 });
 

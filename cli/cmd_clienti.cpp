@@ -26,7 +26,7 @@ std::string ImportoConSegno(Importo saldo) {
 int Elenca(Contesto& ctx, const char* ind) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   clsClientiFornitori cf;
   cf.cn = db->cn;
   ElencaClientiFornitori(cf, Valore(ind), ctx.out);

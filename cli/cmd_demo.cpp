@@ -786,13 +786,14 @@ std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe
 namespace {
 
 std::string ScriviStampa(const std::string& testo, const std::string& ditta, int anno) {
-  std::string temp = CartellaTemp();
-  std::string corpo = temp + "/bilverdemo.tmp", stampa = temp + "/BilancioVerificaDemo.txt";
+  std::string corpo = CartellaTemp() + "/bilverdemo.tmp", stampa = CartellaStampe() + "/BilancioVerificaDemo.txt";
   {
     std::ofstream f(corpo, std::ios::binary);
     // The heading of the columns goes to the page head: the body starts after the rule.
     size_t inizio = testo.find('\n', testo.find('\n') + 1) + 1;
     f << testo.substr(inizio);
+    f.close();
+    if (!f) throw ErroreStampa("Impossibile scrivere il file " + corpo);
   }
   std::string titolo = "===" + std::string(30, ' ') + "BILANCIO DI VERIFICA DEI SOTTOCONTI AL 31/12/" +
                        std::to_string(anno);
@@ -841,21 +842,14 @@ int Demo(Contesto& ctx) {
   {
     std::shared_ptr<Connessione> cn;
     try {
-      cn = CreaAziendaSqlite(az.file);
+      cn = CreaAziendaSqlite(az.file, [](Connessione& c) { CaricaModello(c, "standard"); });
     } catch (const ErroreDb& e) {
       throw ErroreComando(e.Descrizione());
-    }
-    try {
-      CaricaModello(*cn, "standard");
-    } catch (...) {
-      cn->Close();
-      std::filesystem::remove(az.file, ec);
-      throw;
     }
     cn->Close();
   }
   // Opened as the client opens it, so that the process-wide parameters are those of the company.
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Scrittura);
   // A long run of saves: a page cache that holds the tables being filled.
   db->cn->Esegui("PRAGMA cache_size=-65536");
   ctx.form.Caption("Demo: " + std::to_string(o.clienti) + " clienti, " + std::to_string(o.fornitori) +
@@ -880,7 +874,7 @@ int Demo(Contesto& ctx) {
   // The ledger card of the Italian clients' control account over the year.
   ArgomentiStampaMastrini am;
   am.RagioneSocialeAzienda = anagrafica.GetRagioneSocialeAzienda();
-  am.nomeFile = CartellaTemp() + "/MastrinoClientiDemo.txt";
+  am.nomeFile = CartellaStampe() + "/MastrinoClientiDemo.txt";
   am.avar_DaData = Valore("01/01/" + std::to_string(o.anno));
   am.avar_AData = Valore("31/12/" + std::to_string(o.anno));
   am.avar_StampaDescrizionePN = true;

@@ -59,6 +59,24 @@ std::string RagioneSocialeAzienda(Connessione& cn) {
   }
 }
 
+// True when the chart or the journal knows the sub-account: a code that neither knows is a
+// mistake of the user, not a card without movements.
+bool SottocontoNoto(Connessione& cn, const std::string& conto) {
+  return !cn.Execute("SELECT 1 FROM [Descrizione sottoconti] WHERE [Descrizione sottoconti].[Sottoconto] = ? LIMIT 1",
+                     {Valore(conto)})
+              .Eof() ||
+         !cn.Execute("SELECT 1 FROM [Prima Nota] WHERE [Prima Nota].[ContoPrimaNota] = ? LIMIT 1", {Valore(conto)})
+              .Eof();
+}
+
+void VerificaSottoconto(Connessione& cn, const std::string& conto) {
+  if (!SottocontoNoto(cn, conto))
+    throw ErroreComando("sottoconto sconosciuto: " + conto + " (né nel piano dei conti né in prima nota)");
+}
+
+// A page of the print: its head (three lines), a card's heading and one row.
+constexpr int kMinimoRigheMastrini = clsStampaMastrini::kRigheTestataPagina + clsStampaMastrini::kRigheTestataScheda + 1;
+
 const char* const kUsoMastrino =
     "Uso: vorn mastrino FILE --conto SOTTOCONTO [--cliente C|F CODICE] [--dal GG/MM/AAAA] [--al GG/MM/AAAA]\n"
     "                   [--descrizione-pn] [--saldo] [--archivio]\n\n"
@@ -79,7 +97,8 @@ int EseguiMastrino(Contesto& ctx) {
   a.Fine();
   if (!conto || Trim(*conto).empty()) throw ErroreUso("manca --conto");
 
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
+  VerificaSottoconto(*db->cn, Trim(*conto));
   clsStampaMastrini stampa;
   stampa.cn = db->cn;
   s.frm_FormAttiva = &ctx.form;
@@ -123,7 +142,7 @@ const char* const kUsoStampa =
     "  --saldo            il saldo progressivo su ogni riga\n"
     "  --archivio         il tracciato per archivio, con il numero di registrazione\n"
     "  --no-salto-pagina  le schede si seguono sulla stessa pagina\n"
-    "  --righe N          righe per pagina (72)\n"
+    "  --righe N          righe di una pagina, testata e piede compresi (predefinite 72, almeno 10)\n"
     "  --azienda NOME     il nome in testata (predefinito: la ragione sociale dell'azienda)\n\n";
 
 int EseguiStampa(Contesto& ctx) {
@@ -131,11 +150,7 @@ int EseguiStampa(Contesto& ctx) {
   ArgomentiStampaMastrini s;
   Interruttori(a, s);
   s.avar_NoSaltoPagina = a.Flag("--no-salto-pagina");
-  if (auto r = a.Opzione("--righe")) {
-    auto n = Valore(*r).ComeIntero();
-    if (!n || *n < 1 || *n > 10000) throw ErroreUso("--righe vuole un numero di righe: " + *r);
-    s.avar_RighePagina = static_cast<int>(*n);
-  }
+  s.avar_RighePagina = RighePagina(a, 72, kMinimoRigheMastrini);
   auto azienda = a.Opzione("--azienda");
   auto conto = a.Opzione("--conto");
   PartnerCli partner = LeggiPartner(a);
@@ -160,8 +175,11 @@ int EseguiStampa(Contesto& ctx) {
   if (!partner.ind.empty() && !conto) throw ErroreUso("--cliente va con --conto");
   if ((daCodice || aCodice || perNome || sottoconto || agente || zona) && !clienti && !fornitori)
     throw ErroreUso("--da-codice, --a-codice, --per-nome, --sottoconto, --agente e --zona vanno con --clienti o --fornitori");
+  UscitaStampa(az, uscita);
 
-  auto db = ApriAzienda(az);
+  // The print of clients or suppliers may correct the journal's partner indicators first.
+  auto db = ApriAzienda(az, clienti || fornitori ? Accesso::Scrittura : Accesso::Lettura);
+  if (conto) VerificaSottoconto(*db->cn, Trim(*conto));
   clsStampaMastrini stampa;
   stampa.cn = db->cn;
   s.frm_FormAttiva = &ctx.form;
@@ -190,7 +208,7 @@ int EseguiStampa(Contesto& ctx) {
 RegistraComando regMastrino(Comando{"mastrino", "la scheda di un sottoconto (mastrino) sul terminale", std::string(kUsoMastrino) + kUsoAzienda,
                                     EseguiMastrino});
 RegistraComando regStampa(Comando{"stampa mastrini", "stampa impaginata delle schede contabili (mastrini)",
-                                  std::string(kUsoStampa) + kUsoAzienda, EseguiStampa});
+                                  std::string(kUsoStampa) + kUsoUscitaStampa + "\n" + kUsoAzienda, EseguiStampa});
 
 }  // namespace
 

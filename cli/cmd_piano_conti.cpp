@@ -91,7 +91,7 @@ namespace {
 int Esegui(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   clsPianoConti piano;
   piano.cn = db->cn;
   size_t n = ElencaPianoConti(piano, ctx.out);

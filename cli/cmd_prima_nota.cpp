@@ -128,7 +128,7 @@ int PrimaNota(Contesto& ctx) {
   }
   if (dal) f.dal = LeggiDataOpzione("--dal", *dal);
   if (al) f.al = LeggiDataOpzione("--al", *al);
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   ElencaPrimaNota(*db->cn, f, ctx.out);
   return 0;
 }
@@ -136,7 +136,7 @@ int PrimaNota(Contesto& ctx) {
 int RicostruisciSaldi(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Scrittura);
   long righe = RicostruisciTuttiSaldi(db->cn, ctx.form);
   ctx.form.Fine();
   if (righe > 0)
@@ -149,7 +149,7 @@ int RicostruisciSaldi(Contesto& ctx) {
 int Verifica(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
-  auto db = ApriAzienda(az);
+  auto db = ApriAzienda(az, Accesso::Lettura);
   return StampaVerificaSaldi(*db->cn, ctx.out) == 0 ? 0 : 1;
 }
 

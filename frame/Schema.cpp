@@ -1,7 +1,12 @@
 #include "frame/Schema.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <set>
+#include <vector>
 
 #include "frame/Catalogo.h"
 
@@ -143,32 +148,98 @@ std::vector<std::string> AssicuraSchema(Connessione& cn) {
   return aggiunte;
 }
 
-std::shared_ptr<Connessione> CreaAziendaSqlite(const std::string& percorso) {
+namespace {
+
+// A name SQLite would not take as a file of its own: the in-memory database, a URI, an empty name.
+void VerificaNomeSqlite(const std::string& percorso) {
+  if (Trim(percorso).empty()) throw ErroreDb(0, "Nome del nuovo archivio non indicato.");
+  if (percorso == ":memory:" || percorso.rfind(":memory:", 0) == 0)
+    throw ErroreDb(0, "Impossibile creare l'azienda in memoria: indicare il nome di un file.");
+  if (LCase(percorso).rfind("file:", 0) == 0)
+    throw ErroreDb(0, "Impossibile creare l'azienda: " + percorso +
+                          " è un indirizzo SQLite (URI), non un file; indicare il percorso del file.");
+}
+
+// A folder of this creation's own beside `percorso`, removed with its content at the end.
+class CartellaCreazione {
+ public:
+  explicit CartellaCreazione(const std::string& percorso) {
+    std::filesystem::path p = std::filesystem::absolute(percorso);
+    std::string modello = (p.parent_path() / ("." + p.filename().string() + ".nuova-XXXXXX")).string();
+    std::vector<char> nome(modello.begin(), modello.end());
+    nome.push_back('\0');
+    if (!mkdtemp(nome.data()))
+      throw ErroreDb(0, "Impossibile creare l'azienda nel file " + percorso + ": " + std::strerror(errno));
+    path_ = nome.data();
+  }
+  ~CartellaCreazione() {
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  const std::string& Percorso() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace
+
+std::shared_ptr<Connessione> CreaAziendaSqlite(const std::string& percorso,
+                                                const std::function<void(Connessione&)>& riempi) {
+  VerificaNomeSqlite(percorso);
   std::error_code ec;
-  if (percorso.empty()) throw ErroreDb(0, "Nome del nuovo archivio non indicato.");
-  if (std::filesystem::exists(percorso, ec))
+  if (std::filesystem::exists(percorso, ec) || std::filesystem::is_symlink(percorso, ec))
     throw ErroreDb(0, "Impossibile creare l'azienda: il file " + percorso + " esiste già.");
+  CartellaCreazione lavoro(percorso);
+  const std::string nuovo = lavoro.Percorso() + "/azienda.db";
   std::shared_ptr<Connessione> cn;
   try {
     OpzioniSqlite o;
     o.crea = true;
-    cn = Connessione::ApriSqlite(percorso, o);
+    cn = Connessione::ApriSqlite(nuovo, o);
     CreaSchema(*cn);
+    if (riempi) riempi(*cn);
+    // Closing the only connection folds the write-ahead log into the file: the file is whole.
+    cn->Close();
+    cn.reset();
   } catch (const ErroreDb& e) {
     if (cn) cn->Close();
-    std::filesystem::remove(percorso, ec);
     throw ErroreDb(e.Numero(), "Impossibile creare l'azienda nel file " + percorso + ": " + e.Descrizione(),
                    e.SqlState());
+  } catch (...) {
+    if (cn) cn->Close();
+    throw;
   }
-  return cn;
+  // The finished company takes its name by a link, which fails when the name exists: a file
+  // that appeared meanwhile (another creation of the same name) is left as it is.
+  if (link(nuovo.c_str(), percorso.c_str()) != 0) {
+    int e = errno;
+    if (e == EEXIST) throw ErroreDb(0, "Impossibile creare l'azienda: il file " + percorso + " esiste già.");
+    throw ErroreDb(0, "Impossibile creare l'azienda nel file " + percorso + ": " + std::strerror(e));
+  }
+  return Connessione::ApriSqlite(percorso);
 }
 
-std::shared_ptr<Connessione> CreaAziendaPostgres(const ParametriPostgres& p) {
+namespace {
+
+// True when the database of `p` has no table or view in the company's schema (the schema
+// of p, or the connection's current one).
+bool SchemaVuoto(Connessione& cn) {
+  return cn.Scalare("SELECT COUNT(*) FROM information_schema.tables WHERE table_schema = current_schema()")
+             .ComeIntero()
+             .value_or(0) == 0;
+}
+
+}  // namespace
+
+std::shared_ptr<Connessione> CreaAziendaPostgres(const ParametriPostgres& p,
+                                                  const std::function<void(Connessione&)>& riempi) {
   if (Trim(p.database).empty()) throw ErroreDb(0, "Nome del nuovo database non indicato.");
   if (p.database.find('\0') != std::string::npos) throw ErroreDb(0, "Nome del database non valido.");
   ParametriPostgres manutenzione = p;
   manutenzione.database = "postgres";
   manutenzione.schema.clear();
+  bool creato = false;  // this call made the database: on a failure it goes again
   {
     std::shared_ptr<Connessione> admin;
     try {
@@ -182,35 +253,61 @@ std::shared_ptr<Connessione> CreaAziendaPostgres(const ParametriPostgres& p) {
       // The name is a quoted identifier: it keeps its case and its characters.
       admin->Esegui("CREATE DATABASE " + IdentificatorePg(p.database) +
                     " TEMPLATE template0 ENCODING 'UTF8' LC_COLLATE 'C' LC_CTYPE 'C'");
+      creato = true;
     } catch (const ErroreDb& e) {
-      if (e.SqlState() == "42P04")
-        throw ErroreDb(e.Numero(), "Impossibile creare l'azienda: il database " + p.database + " esiste già.",
+      // An existing database takes the company when its schema is still empty (made by hand
+      // for it, or left by a creation that was interrupted); checked below.
+      if (e.SqlState() != "42P04")
+        throw ErroreDb(e.Numero(), "Impossibile creare il database " + p.database + ": " + e.Descrizione(),
                        e.SqlState());
-      throw ErroreDb(e.Numero(), "Impossibile creare il database " + p.database + ": " + e.Descrizione(),
-                     e.SqlState());
     }
   }
   std::shared_ptr<Connessione> cn;
   try {
-    if (!p.schema.empty()) {
-      ParametriPostgres senzaSchema = p;
-      senzaSchema.schema.clear();
-      auto c = Connessione::ApriPostgres(senzaSchema);
-      c->Esegui("CREATE SCHEMA IF NOT EXISTS " + IdentificatorePg(p.schema));
-      c->Close();
-    }
     cn = Connessione::ApriPostgres(p);
+    // Schema, tables and what `riempi` loads are one transaction: an interruption leaves an
+    // empty schema, which a new run takes again.
+    cn->BeginTrans();
+    if (!p.schema.empty()) cn->Esegui("CREATE SCHEMA IF NOT EXISTS " + IdentificatorePg(p.schema));
+    if (!SchemaVuoto(*cn)) {
+      cn->RollbackTrans();
+      throw ErroreDb(0, "Impossibile creare l'azienda: il database " + p.database +
+                                                    (p.schema.empty() ? "" : " (schema " + p.schema + ")") +
+                                                    " esiste già.",
+                     "42P04");
+    }
     CreaSchema(*cn);
+    if (riempi) riempi(*cn);
+    cn->CommitTrans();
     return cn;
   } catch (const ErroreDb& e) {
-    if (cn) cn->Close();
-    try {
-      auto admin = Connessione::ApriPostgres(manutenzione);
-      admin->Esegui("DROP DATABASE IF EXISTS " + IdentificatorePg(p.database));
-    } catch (...) {
+    if (cn) {
+      try {
+        if (cn->InTransazione()) cn->RollbackTrans();
+      } catch (...) {
+      }
+      cn->Close();
     }
+    if (creato) {
+      try {
+        auto admin = Connessione::ApriPostgres(manutenzione);
+        admin->Esegui("DROP DATABASE IF EXISTS " + IdentificatorePg(p.database));
+      } catch (...) {
+      }
+    }
+    if (e.SqlState() == "42P04") throw;
     throw ErroreDb(e.Numero(), "Impossibile creare l'azienda nel database " + p.database + ": " + e.Descrizione(),
                    e.SqlState());
+  } catch (...) {
+    if (cn) cn->Close();
+    if (creato) {
+      try {
+        auto admin = Connessione::ApriPostgres(manutenzione);
+        admin->Esegui("DROP DATABASE IF EXISTS " + IdentificatorePg(p.database));
+      } catch (...) {
+      }
+    }
+    throw;
   }
 }
 

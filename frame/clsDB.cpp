@@ -33,6 +33,7 @@ bool clsDB::ConnettiDatabaseSQLite(const Valore& NomeDatabase, const Valore& Pas
   try {
     OpzioniSqlite o;
     o.attesaMs = attesaSQLiteMs;
+    o.solaLettura = solaLetturaSQLite;
     cn = Connessione::ApriSqlite(nome_, o);
     G().ConnessioneGlobale = cn;
     if (!NonSettareParametriGlobali) ImpostaVariabiliGlobaliServer();

@@ -34,6 +34,8 @@ class clsDB {
 
   // Options of the SQLite path (tests shorten the wait for a locked file).
   int attesaSQLiteMs = 5000;
+  // The SQLite file opened read-only: nothing of it changes, and a read-only file can be read.
+  bool solaLetturaSQLite = false;
   // Extra options of the PostgreSQL path (a search path, for tests).
   std::string schemaPostgreSQL;
 
