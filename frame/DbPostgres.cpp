@@ -1,5 +1,10 @@
 // The PostgreSQL engine: the server for companies with many users.
 #include <libpq-fe.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 
 #include <cstdio>
 #include <cstring>
@@ -422,16 +427,56 @@ std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& 
   add("client_encoding", encoding);
   k.push_back(nullptr);
   v.push_back(nullptr);
-  PGconn* c = PQconnectdbParams(k.data(), v.data(), 0);
+  // Connected step by step, so that the server's errors of the start-up come with their
+  // SQLSTATE (verbose messages): the server may speak any language.
+  PGconn* c = PQconnectStartParams(k.data(), v.data(), 0);
   if (!c) throw ErroreDb(NumeroDaSqlState("08001"), "Memoria insufficiente per la connessione.", "08001");
-  if (PQstatus(c) != CONNECTION_OK) {
-    std::string m = PQerrorMessage(c);
-    bool password = PQconnectionUsedPassword(c) || PQconnectionNeedsPassword(c);
+  PQsetErrorVerbosity(c, PQERRORS_VERBOSE);
+  bool scaduto = false;
+  if (PQstatus(c) != CONNECTION_BAD) {
+    auto fine = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    PostgresPollingStatusType st = PGRES_POLLING_WRITING;
+    while (st != PGRES_POLLING_OK && st != PGRES_POLLING_FAILED) {
+      int sock = PQsocket(c);
+      if (sock < 0) break;
+      auto resto = std::chrono::duration_cast<std::chrono::milliseconds>(fine - std::chrono::steady_clock::now()).count();
+      if (resto <= 0) {
+        scaduto = true;
+        break;
+      }
+      pollfd pfd{sock, static_cast<short>(st == PGRES_POLLING_READING ? POLLIN : POLLOUT), 0};
+      int r = poll(&pfd, 1, static_cast<int>(resto));
+      if (r < 0 && errno == EINTR) continue;
+      if (r == 0) {
+        scaduto = true;
+        break;
+      }
+      st = PQconnectPoll(c);
+    }
+  }
+  if (scaduto || PQstatus(c) != CONNECTION_OK) {
+    std::string m = scaduto ? std::string("timeout expired") : std::string(PQerrorMessage(c));
+    bool senzaPassword = PQconnectionNeedsPassword(c);
     PQfinish(c);
-    while (!m.empty() && (m.back() == '\n' || m.back() == ' ')) m.pop_back();
-    bool auth = m.find("password authentication failed") != std::string::npos ||
-                m.find("no password supplied") != std::string::npos || (password && m.find("authentication") != std::string::npos);
-    std::string st = auth ? "28P01" : m.find("does not exist") != std::string::npos ? "3D000" : "08001";
+    // "FATAL:  28P01: ..." : the code, and the sentence on one line.
+    std::string codice;
+    for (size_t i = m.find(":  "); i != std::string::npos; i = m.find(":  ", i + 1)) {
+      size_t a = i + 3;
+      if (a + 6 <= m.size() && m[a + 5] == ':' &&
+          std::all_of(m.begin() + static_cast<long>(a), m.begin() + static_cast<long>(a + 5),
+                      [](char ch) { return (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z'); })) {
+        codice = m.substr(a, 5);
+        m = m.substr(a + 6);
+        break;
+      }
+    }
+    auto nl = m.find('\n');
+    if (nl != std::string::npos) m.erase(nl);
+    while (!m.empty() && (m.back() == ' ' || m.back() == '\r')) m.pop_back();
+    while (!m.empty() && m.front() == ' ') m.erase(0, 1);
+    std::string st = codice == "28P01" || codice == "28000" || senzaPassword ? "28P01"
+                     : codice == "3D000"                                    ? "3D000"
+                                                                            : "08001";
     throw ErroreDb(NumeroDaSqlState(st.c_str()), m, st);
   }
   PQsetNoticeReceiver(c, AvvisoSilenzioso, nullptr);

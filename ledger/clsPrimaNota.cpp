@@ -8,6 +8,7 @@
 
 #include "company/clsProgAzienda.h"
 #include "frame/Catalogo.h"
+#include "frame/ConnessioneClasse.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Host.h"
@@ -303,9 +304,7 @@ MovimentoPrimaNota MovimentoDaRiga(const std::vector<Valore>& r, size_t da) {
 
 // ---------------------------------------------------------------- connection and caches
 
-void clsPrimaNota::AssicuraConnessione() const {
-  if (!cn) throw ErroreDb(3709, "La connessione non è aperta.");
-}
+void clsPrimaNota::AssicuraConnessione() const { ConnessioneAssegnata(cn); }
 
 void clsPrimaNota::DimenticaCache() {
   causali_.clear();

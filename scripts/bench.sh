@@ -14,6 +14,6 @@ B=build/bench/vorn_bench
 if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" --righe 10000 --motore entrambi --transazioni entrambe
 "$B" --righe 100000 --motore sqlite --transazioni unica
-"$B" --righe 100000 --motore postgres --transazioni registrazione
+"$B" --righe 100000 --motore postgres --transazioni entrambe
 "$B" --righe 1000 --ricostruzione 1000000 --motore entrambi
 "$B" mastrini --motore entrambi
