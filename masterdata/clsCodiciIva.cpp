@@ -258,6 +258,9 @@ bool clsCodiciIva::StampaCodiciIVA(IForm* frm_FormAttiva, const Valore& AzRagSoc
       return false;
     }
     for (; !rs.Eof(); rs.MoveNext()) out << RigaStampa(rs) << '\n';
+    // A full disk shows at the flush: the body must be whole before the pages are made of it.
+    out.close();
+    if (!out) throw std::runtime_error("Scrittura non riuscita del file " + corpo + ": disco pieno o non scrivibile.");
   }
 
   DatiDitta ditta = LeggiDitta(*cn);

@@ -165,4 +165,36 @@ TEST_P(Scrittori, ACounterHeldTwiceUnderABlankKeyCountsOnFromTheHighest) {
   EXPECT_EQ(PrendiNumero(*cn, c), 11);
 }
 
+TEST_P(Scrittori, TheCheckReadsOneSnapshotWhileAnotherPosts) {
+  std::atomic<bool> fine{false};
+  std::string errore;
+  std::thread poster([&] {
+    try {
+      auto c = AltraConnessione();
+      clsPrimaNota p;
+      p.cn = c;
+      bool cancel = false;
+      for (int i = 1; i <= 300 && !fine; ++i) {
+        char num[16];
+        std::snprintf(num, sizeof num, "%05d", i);
+        c->BeginTrans();
+        p.SalvaRecord(Riga(num, "", "001", "D", "1201001", "122", "V01", "C", "1"), Valore("t"), 1, cancel);
+        p.SalvaRecord(Riga(num, "", "002", "A", "4001001", "100"), Valore("t"), 1, cancel);
+        p.SalvaRecord(Riga(num, "I", "001", "A", "2501001", "22"), Valore("t"), 1, cancel);
+        c->CommitTrans();
+      }
+    } catch (const std::exception& e) {
+      errore = e.what();
+    }
+  });
+  auto verifica = AltraConnessione();
+  size_t differenze = 0;
+  for (int k = 0; k < 15; ++k) differenze += VerificaSaldi(*verifica).size();
+  fine = true;
+  poster.join();
+  EXPECT_EQ(errore, "");
+  EXPECT_EQ(differenze, 0u);
+  EXPECT_TRUE(VerificaSaldi(*cn).empty());
+}
+
 VORN_SU_DUE_MOTORI(Scrittori);
