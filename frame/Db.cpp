@@ -66,6 +66,22 @@ Valore Coerci(const Valore& v, TipoCampo tipo) {
   return v;
 }
 
+Valore DataIngresso(const Valore& v, std::string_view cosa) {
+  try {
+    if (v.IsText() || v.tipo() == Valore::Tipo::Data || v.IsNull() || v.IsEmpty()) return Coerci(v, TipoCampo::Data);
+  } catch (const ErroreDb&) {
+  }
+  throw ErroreDb(13, std::string(cosa) + " non valida: '" + v.Testo() + "' (attesa una data gg/mm/aaaa).");
+}
+
+Valore ImportoIngresso(const Valore& v, std::string_view cosa) {
+  try {
+    return Coerci(v, TipoCampo::Importo);
+  } catch (const std::exception&) {
+  }
+  throw ErroreDb(13, std::string(cosa) + " non valido: '" + v.Testo() + "' (atteso un importo come 1.234,50).");
+}
+
 // ---------------------------------------------------------------- Campo
 
 const std::string& Campo::Name() const { return rs_->cols_[idx_].nome; }
@@ -590,7 +606,7 @@ void Connessione::BeginTrans() {
   for (auto& [nome, d] : differiti_) d->ApriLivello();
 }
 
-void Connessione::ChiudiTutto(bool) {
+void Connessione::ChiudiTutto() {
   try {
     if (InTransazione()) Controllo("ROLLBACK");
   } catch (const ErroreDb&) {
@@ -629,18 +645,18 @@ void Connessione::CommitTrans() {
     try {
       ScriviDifferiti();
     } catch (...) {
-      ChiudiTutto(false);
+      ChiudiTutto();
       throw;
     }
   }
   if (compromessa_ || InErrore()) {
-    ChiudiTutto(false);
+    ChiudiTutto();
     Annullata();
   }
   try {
     Controllo("COMMIT");
   } catch (...) {
-    ChiudiTutto(false);
+    ChiudiTutto();
     throw;
   }
   livello_ = 0;
@@ -668,7 +684,7 @@ void Connessione::RollbackTrans() {
     }
     return;
   }
-  ChiudiTutto(false);
+  ChiudiTutto();
 }
 
 Differito& Connessione::Differimento(const std::string& nome, const std::function<std::unique_ptr<Differito>()>& crea) {
@@ -686,10 +702,11 @@ void Connessione::ScriviDifferiti() {
   for (auto& [nome, d] : differiti_) qualcosa = qualcosa || !d->Vuoto();
   if (!qualcosa) return;
   if (livello_ > 1) sporco_.back() = true;
-  struct Flag {
-    bool& f;
-    ~Flag() { f = false; }
-  } flag{scrivendo_ = true};
+  scrivendo_ = true;
+  struct Fine {
+    bool& scrivendo;
+    ~Fine() { scrivendo = false; }
+  } fine{scrivendo_};
   try {
     for (auto& [nome, d] : differiti_) d->Scrivi(*this);
   } catch (...) {

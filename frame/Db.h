@@ -59,6 +59,12 @@ bool TipoCarattere(int tipo);  // 129, 130, 200..203
 
 // Coerces a value to what a column of the type holds; throws ErroreDb on a type mismatch.
 Valore Coerci(const Valore& v, TipoCampo tipo);
+// The values a client passes to a public operation, typed once at entry through Coerci: a
+// date (a date value or text "dd/mm/yyyy") and an amount (an amount, a number, or text of
+// the Italian locale such as "1.234,50"). Null, Empty and blank text give Null; anything else
+// is ErroreDb 13 naming `cosa`.
+Valore DataIngresso(const Valore& v, std::string_view cosa = "data");
+Valore ImportoIngresso(const Valore& v, std::string_view cosa = "importo");
 
 struct Colonna {
   std::string nome;
@@ -323,7 +329,7 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   friend class Atomico;
   // Before a statement: deferred work it touches is written first.
   void PrimaDi(std::string_view sql);
-  void ChiudiTutto(bool conferma);
+  void ChiudiTutto();
   std::map<std::string, std::vector<std::string>> chiavi_;
   bool compromessa_ = false;
   int livello_ = 0;

@@ -294,19 +294,8 @@ class ConnessionePostgres final : public Connessione {
     size_t i = 0;
     while (i < sql.size() && isspace(static_cast<unsigned char>(sql[i]))) ++i;
     std::string head = UCase(sql.substr(i, 7));
-    if (!(head.rfind("SELECT", 0) == 0 || head.rfind("INSERT", 0) == 0 || head.rfind("UPDATE", 0) == 0 ||
-          head.rfind("DELETE", 0) == 0 || head.rfind("WITH", 0) == 0))
-      return false;
-    // Several statements cannot be prepared.
-    bool inStr = false;
-    for (size_t k = 0; k < sql.size(); ++k) {
-      if (sql[k] == '\'') inStr = !inStr;
-      if (sql[k] == ';' && !inStr) {
-        for (size_t j = k + 1; j < sql.size(); ++j)
-          if (!isspace(static_cast<unsigned char>(sql[j]))) return false;
-      }
-    }
-    return true;
+    return head.rfind("SELECT", 0) == 0 || head.rfind("INSERT", 0) == 0 || head.rfind("UPDATE", 0) == 0 ||
+           head.rfind("DELETE", 0) == 0 || head.rfind("WITH", 0) == 0;
   }
 
   const std::string& Preparata(const std::string& sql, const Testi& t) {

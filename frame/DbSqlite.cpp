@@ -30,6 +30,9 @@ TipoCampo TipoDaDichiarato(const char* decl) {
   return TipoCampo::Testo;
 }
 
+// What an amount or a sum past kMassimoImportoSqlite is told.
+constexpr const char* kOltreIntervallo = " oltre 99.999.999.999,9999: fuori dall'intervallo che SQLite conserva esatto.";
+
 // Exact sum of amounts: values that carry at most four decimals are added as whole
 // ten-thousandths in 128 bits, so that millions of them add up to the last decimal; other
 // reals fall back to a compensated sum.
@@ -92,7 +95,7 @@ void SommaFine(sqlite3_context* ctx, bool total) {
   }
   if (s->esatto) {
     if (s->scalato > kMassimoImportoSqlite || s->scalato < -kMassimoImportoSqlite) {
-      sqlite3_result_error(ctx, "Somma di importi oltre 99.999.999.999,9999: fuori dall'intervallo esatto di SQLite.", -1);
+      sqlite3_result_error(ctx, ("Somma di importi" + std::string(kOltreIntervallo)).c_str(), -1);
       return;
     }
     Int128 q = s->scalato / 10000, r = s->scalato % 10000;
@@ -335,13 +338,11 @@ class ConnessioneSqlite final : public Connessione {
   // Beyond this range a double no longer holds every ten-thousandth: refused, never rounded.
   static void FuoriIntervallo(Importo v) {
     if (v.Raw() > kMassimoImportoSqlite || v.Raw() < -kMassimoImportoSqlite)
-      throw ErroreDb(6, "Importo " + v.TestoPunto() +
-                            " oltre 99.999.999.999,9999: fuori dall'intervallo che SQLite conserva esatto.", "22003");
+      throw ErroreDb(6, "Importo " + v.TestoPunto() + kOltreIntervallo, "22003");
   }
   static Valore ImportoLetto(double d) {
     if (!(std::fabs(d) <= static_cast<double>(kMassimoImportoSqlite) / Importo::kScala))
-      throw ErroreDb(6, "Importo letto oltre 99.999.999.999,9999: fuori dall'intervallo che SQLite conserva esatto.",
-                     "22003");
+      throw ErroreDb(6, "Importo letto" + std::string(kOltreIntervallo), "22003");
     return Valore(Importo::DaDouble(d));
   }
   // A date written by this layer: "yyyy-mm-dd".

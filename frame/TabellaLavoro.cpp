@@ -67,23 +67,4 @@ void TabellaLavoro::Elimina() {
   cn_.DimenticaSchema();
 }
 
-Valore DataIngresso(const Valore& v, std::string_view cosa) {
-  if (v.IsNull() || v.IsEmpty() || (v.IsText() && Trim(v.Str()).empty())) return Valore::Null();
-  if (v.tipo() == Valore::Tipo::Data) return v;
-  if (v.IsText())
-    if (auto d = v.ComeData()) return Valore(*d);
-  throw ErroreDb(13, std::string(cosa) + " non valida: '" + v.Testo() + "' (attesa una data gg/mm/aaaa).");
-}
-
-Valore ImportoIngresso(const Valore& v, std::string_view cosa) {
-  if (v.IsNull() || v.IsEmpty() || (v.IsText() && Trim(v.Str()).empty())) return Valore::Null();
-  std::optional<Importo> i;
-  try {
-    i = v.ComeImporto();
-  } catch (const std::exception&) {
-  }
-  if (!i) throw ErroreDb(13, std::string(cosa) + " non valido: '" + v.Testo() + "' (atteso un importo come 1.234,50).");
-  return Valore(*i);
-}
-
 }  // namespace vorn

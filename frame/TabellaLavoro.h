@@ -47,12 +47,4 @@ class TabellaLavoro {
   std::vector<ColonnaLavoro> colonne_;
 };
 
-// A date as a client passes it to a public operation (a date, or text "dd/mm/yyyy"), as the
-// date value that reaches the statement; Null, Empty and blank text give Null. Anything else
-// is ErroreDb 13 naming `cosa`.
-Valore DataIngresso(const Valore& v, std::string_view cosa = "data");
-// An amount as a client passes it (an amount, a number, or text of the Italian locale such
-// as "1.234,50"), as the amount that reaches the statement; Null, Empty and blank give Null.
-Valore ImportoIngresso(const Valore& v, std::string_view cosa = "importo");
-
 }  // namespace vorn

@@ -233,8 +233,9 @@ class clsPrimaNota {
   int64_t StornaECancella(const std::string& where, const Parametri& p);
   void AssicuraConnessione() const;
 
-  std::unordered_map<std::string, std::string> causali_;  // code -> operativity, found ones
-  std::unordered_set<std::string> sottoconti_;            // found chart rows
+  // Every causal (code -> operativity) and chart row, read by IniziaRaccolta for a replay.
+  std::unordered_map<std::string, std::string> causali_;
+  std::unordered_set<std::string> sottoconti_;
   bool causaliComplete_ = false, pianoCompleto_ = false;  // everything read (replay)
   std::optional<MovimentiSaldi> raccolta_;
   std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
