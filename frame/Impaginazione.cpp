@@ -112,13 +112,16 @@ void ChiudiPaginaAsterischi(std::ostream& out, int contatore, int righe, int rig
 }
 
 void ImpaginaFile(const std::string& ingresso, const std::string& uscita, int righe,
-                  const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede, bool asterischi) {
+                  const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede, bool asterischi,
+                  int rigaPagina) {
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
   FileStampa out(uscita);
   std::vector<std::string> t = {"", ""};
   t.insert(t.end(), testata.begin(), testata.end());
-  Pagine pagine(out.Flusso(), righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), -1);
+  // The two empty lines come first: head line k is index k + 1.
+  int indice = rigaPagina >= 1 && rigaPagina <= 7 ? rigaPagina + 1 : -1;
+  Pagine pagine(out.Flusso(), righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), indice);
   Impagina(pagine, in, asterischi);
   out.Chiudi();
 }

@@ -16,10 +16,11 @@ inline constexpr int kColonneReport = 131;
 
 // A fixed head (two empty lines and t1..t7) and a fixed foot (p1, p2) on pages of `righe` lines
 // (at least 5); the last page is filled with empty lines, or cancelled with a diagonal of
-// asterisks when `asterischi` is true.
+// asterisks when `asterischi` is true. With `rigaPagina` 1..7 that head line carries the page
+// stamp of RigaPagina; the count goes on from the caller's last reset.
 void ImpaginaFile(const std::string& ingresso, const std::string& uscita, int righe,
                   const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede,
-                  bool asterischi = false);
+                  bool asterischi = false, int rigaPagina = 0);
 
 // A head of up to nine lines after one empty line, and a foot of up to four: trailing blank
 // lines of each are left out. The head line of index `rigaPagina` (1-based) carries the page

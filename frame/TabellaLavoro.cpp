@@ -7,12 +7,13 @@ namespace vorn {
 namespace {
 
 void VerificaPrefisso(const std::string& p) {
-  bool ok = !p.empty() && p.size() <= 30 && ((p[0] >= 'A' && p[0] <= 'Z') || (p[0] >= 'a' && p[0] <= 'z'));
+  bool ok = !p.empty() && p.size() <= 30 &&
+            ((p[0] >= 'A' && p[0] <= 'Z') || (p[0] >= 'a' && p[0] <= 'z') || p[0] == '_');
   for (char c : p)
     ok = ok && ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_');
   if (!ok)
     throw ErroreDb(3265, "Prefisso di tabella di lavoro non valido: '" + p +
-                             "' (lettere, cifre e trattini bassi, una lettera per prima, al più 30 caratteri).");
+                             "' (lettere, cifre e trattini bassi, una lettera o un trattino basso per primo, al più 30 caratteri).");
 }
 
 std::string TipoColonna(const Connessione& cn, const ColonnaLavoro& c) {
@@ -60,6 +61,18 @@ int64_t TabellaLavoro::Riempi(std::string_view select, const Parametri& p) {
   std::string cols;
   for (const auto& c : colonne_) cols += (cols.empty() ? "[" : ", [") + c.nome + "]";
   return cn_.Esegui("INSERT INTO [" + nome_ + "] (" + cols + ") " + std::string(select), p);
+}
+
+void TabellaLavoro::CreaIndice(const std::vector<std::string>& colonne) {
+  std::string cols;
+  for (const auto& c : colonne) {
+    VerificaNome(c, "colonna");
+    cols += (cols.empty() ? "[" : ", [") + c + "]";
+  }
+  // The index is named after the table, so that it goes with it.
+  std::string indice = "ix_" + nome_;
+  VerificaNome(indice);
+  cn_.Esegui("CREATE INDEX [" + indice + "] ON [" + nome_ + "] (" + cols + ")");
 }
 
 void TabellaLavoro::Elimina() {

@@ -22,7 +22,8 @@ struct ColonnaLavoro {
 class TabellaLavoro {
  public:
   // The table is named prefisso + nome. The prefix (a client's or a run's) must be a plain
-  // name: letters, digits and underscores, a letter first, at most 30 characters; the name
+  // name: letters, digits and underscores, a letter or an underscore first, at most 30
+  // characters; the name
   // passes VerificaNome. A name that is a table of the company's catalogue is refused: a work
   // table never takes the place of an archive.
   TabellaLavoro(Connessione& cn, const std::string& prefisso, const std::string& nome, std::vector<ColonnaLavoro> colonne);
@@ -37,6 +38,8 @@ class TabellaLavoro {
   int64_t Riempi(std::string_view select, const Parametri& p = {});
   // Drops the table; nothing when it is not there.
   void Elimina();
+  // An index on some of its columns, for the lookups of a run on a large table.
+  void CreaIndice(const std::vector<std::string>& colonne);
 
   // The statement that creates it on the engine of the connection.
   std::string SqlCrea() const;

@@ -992,6 +992,31 @@ bool clsPrimaNota::MarcaIndicatoriStampatoRegistriIva(const Valore& daData, cons
   return true;
 }
 
+int64_t clsPrimaNota::MarcaRigheStampateRegistroIva(const Data& daData, const Data& aData,
+                                                    const std::string& colonnaData,
+                                                    const Valore& avar_TipoRegistroIva,
+                                                    const Valore& avar_NumRegistroIva,
+                                                    const std::string& tabellaStampata) {
+  AssicuraConnessione();
+  VerificaNome(tabellaStampata);
+  if (colonnaData != "DataCompetenza" && colonnaData != "DataCompetenzaIVA")
+    throw ErroreDb(3265, "Colonna di data non valida: " + colonnaData);
+  const std::string s = "[Prima Nota].[Stringa10indicatori]";
+  const std::string d = "[Prima Nota].[" + colonnaData + "]";
+  const std::string k = "[" + tabellaStampata + "]";
+  std::string sql = "UPDATE [Prima Nota] SET [Stringa10indicatori] = 'R' || COALESCE(substr(" + s +
+                    ", 2), '') WHERE ((" + d + " >= ? AND " + d + " <= ?) OR (" + d +
+                    " IS NULL AND [Prima Nota].[DataCompetenza] >= ? AND [Prima Nota].[DataCompetenza] <= ?))"
+                    " AND [Prima Nota].[TipoRegistroIva] = ? AND [Prima Nota].[NumRegistroIva] = ?"
+                    " AND COALESCE(substr(" + s + ", 1, 1), '') <> 'R' AND EXISTS (SELECT 1 FROM " + k +
+                    " WHERE " + k + ".[NumeroRegistrazione] = [Prima Nota].[NumeroRegistrazione] AND COALESCE(" + k +
+                    ".[TipoRigaIvaNormale], '') = COALESCE([Prima Nota].[TipoRigaIvaNormale], '') AND " + k +
+                    ".[NumRigaAVideo] = [Prima Nota].[NumRigaAVideo] AND " + k +
+                    ".[DareAvere] = [Prima Nota].[DareAvere])";
+  return cn->Esegui(sql, {Valore(daData), Valore(aData), Valore(daData), Valore(aData),
+                          Valore(T(avar_TipoRegistroIva)), Valore(T(avar_NumRegistroIva))});
+}
+
 // ---------------------------------------------------------------- counters
 
 bool clsPrimaNota::AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazione, const Valore& DataRegistrazione,

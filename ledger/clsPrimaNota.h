@@ -123,6 +123,13 @@ class clsPrimaNota {
   bool MarcaIndicatoriStampatoRegistriIva(const Valore& daData, const Valore& aData, const Valore& avar_TipoRegistroIva,
                                           const Valore& avar_NumRegistroIva,
                                           const Valore& str_IndIVAAutotrasportatori = Valore());
+  // Marks "R" the rows of a register listed (by their key columns NumeroRegistrazione,
+  // TipoRigaIvaNormale, NumRigaAVideo, DareAvere) in the work table `tabellaStampata`, among
+  // those of the period (`colonnaData` between the dates, or DataCompetenza when that is
+  // null) not marked yet: exactly the rows a print showed. The count of rows marked.
+  int64_t MarcaRigheStampateRegistroIva(const Data& daData, const Data& aData, const std::string& colonnaData,
+                                        const Valore& avar_TipoRegistroIva, const Valore& avar_NumRegistroIva,
+                                        const std::string& tabellaStampata);
 
   // ---------------------------------------------------------------- navigation and reading
 

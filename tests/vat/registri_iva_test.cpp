@@ -1,0 +1,363 @@
+// The VAT registers on both engines: the printed layout (golden files), the amounts of the
+// totals worked out by hand, the bookkeeping of a definitive print and its all-or-nothing.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "frame/Comuni.h"
+#include "frame/FileVorn.h"
+#include "frame/Globali.h"
+#include "ledger/clsPrimaNota.h"
+#include "support/Azienda.h"
+#include "vat/clsProgressiviIva.h"
+#include "vat/clsRegistriIva.h"
+
+namespace vorn::test {
+namespace {
+
+Importo I(const char* t) { return *Importo::DaTestoPunto(t); }
+
+class RegistriIvaTest : public AziendaTest {
+ protected:
+  void SetUp() override {
+    AziendaTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    G().DecimaliImporti = 2;
+    host->ImpostaCartella(dir->Percorso());
+    pn.cn = cn;
+    reg.cn = cn;
+    prog.cn = cn;
+    cn->Esegui("INSERT INTO [Tabella Azienda] ([Ragione Sociale], [Partita IVA], [Codice Fiscale], [Indirizzo], "
+               "[Cap], [Citta], [Provincia]) VALUES ('Alfa Srl', '01234567890', '01234567890', 'Via Roma 1', "
+               "'20100', 'Milano', 'MI')");
+    for (const char* c : {"0501001", "0601001", "1201001", "1202001", "4001001", "6001001", "6002001"})
+      cn->Esegui("INSERT INTO [Piano Dei Conti] ([Gruppo], [Conto], [Sottoconto], [Descrizione]) VALUES (?, ?, ?, ?)",
+                 {Valore(std::string(c).substr(0, 2)), Valore(std::string(c).substr(2, 2)),
+                  Valore(std::string(c).substr(4)), Valore(std::string("Conto ") + c)});
+    Codice("022", "Iva 22%", "22", 0, "");
+    Codice("010", "Iva 10%", "10", 0, "");
+    Codice("I40", "Iva 22% indetr. 40%", "22", 40, "022");
+    Causale("FTV", "Fattura di vendita", "1", "0");
+    Causale("NCV", "Nota di credito a cliente", "1", "1");
+    Causale("FED", "Fattura esig. differita", "1", "7");
+    Causale("FTA", "Fattura di acquisto", "2", "0");
+    Causale("NCA", "Nota di credito fornitore", "2", "1");
+    Causale("SPE", "Spese varie", "0", "");
+    cn->Esegui("UPDATE [Causali Contabili] SET [TipoRegistroIVACRSemp] = '2', [RegistroIVACRSemp] = '01' WHERE "
+               "[CodiceCausale] = 'SPE'");
+    cn->Esegui("INSERT INTO [Anagrafica Clienti] ([Codice Cliente], [Ragione Sociale]) VALUES ('C1', 'Rossi Mario "
+               "Srl')");
+    cn->Esegui("INSERT INTO [Anagrafica Fornitori] ([Codice Cliente], [Ragione Sociale]) VALUES ('F1', 'Bianchi "
+               "Forniture Spa')");
+  }
+
+  void Codice(const char* codice, const char* descrizione, const char* aliquota, double indetraibile,
+              const char* detraibile) {
+    cn->Esegui("INSERT INTO [Codici Iva] ([Codice Iva], [Descrizione Iva], [Aliquota], [Percentuale indetraibilità], "
+               "[Flag Articolo 8], [Flag Fatture Esenti], [Acquisto Intracomunitario], [Flag Monte Acquisti], "
+               "[Codice IVA detraibile]) VALUES (?, ?, ?, ?, '0', '0', '0', '1', ?)",
+               {Valore(codice), Valore(descrizione), Valore(I(aliquota)), Valore(indetraibile), Valore(detraibile)});
+  }
+  void Causale(const char* codice, const char* descrizione, const char* registro, const char* tipo) {
+    cn->Esegui("INSERT INTO [Causali Contabili] ([CodiceCausale], [DescrizioneCausale], [TipoRegistroIva], "
+               "[TipoCausale]) VALUES (?, ?, ?, ?)",
+               {Valore(codice), Valore(descrizione), Valore(registro), Valore(tipo)});
+  }
+
+  struct Doc {
+    std::string numero, causale, data, registro = "1", serie;
+    long documento = 0, protocollo = 0;
+    std::string partner = "C1", stato;
+    const char* totale = "0";
+  };
+  struct RigaIva {
+    const char* codice;
+    const char* imponibile;
+    const char* imposta;
+  };
+
+  RecordValori Base(const Doc& d, const std::string& tipo, int riga, const std::string& lato) {
+    return RecordValori{{"DataRegistrazione", Valore(d.data)},
+                        {"NumeroRegistrazione", Valore(d.numero)},
+                        {"TipoRigaIvaNormale", Valore(tipo)},
+                        {"NumRigaAVideo", Valore(Format(Valore(riga), "000"))},
+                        {"DareAvere", Valore(lato)},
+                        {"DataCompetenza", Valore(d.data)},
+                        {"DataCompetenzaIVA", Valore(d.data)},
+                        {"TipoRegistroIva", Valore(d.registro)},
+                        {"NumRegistroIva", Valore("01")},
+                        {"NumeroDiProtocollo", Valore(d.protocollo)},
+                        {"SerieDocumento", Valore(d.serie)},
+                        {"NumeroDocumento", Valore(d.documento)},
+                        {"DataDocumento", Valore(d.data)},
+                        {"CodiceCausale", Valore(d.causale)},
+                        {"TotaleDocumento", Valore(I(d.totale))},
+                        {"Cambio", Valore(1.0)},
+                        {"Stringa10indicatori", Valore(d.stato)}};
+  }
+
+  // A document: the partner's row for the total, a revenue or cost row, and the VAT rows.
+  void Registra(const Doc& d, const std::vector<RigaIva>& iva, const char* contropartita) {
+    bool vendita = d.registro == "1";
+    bool nota = d.causale == "NCV" || d.causale == "NCA";
+    std::string latoPartner = (vendita != nota) ? "D" : "A", latoAltro = latoPartner == "D" ? "A" : "D";
+    RecordValori p = Base(d, "", 1, latoPartner);
+    p["ContoPrimaNota"] = Valore(vendita ? "0501001" : "0601001");
+    p["IndClienteFornitore"] = Valore(vendita ? "C" : "F");
+    p["CodClienteFornitore"] = Valore(d.partner);
+    p["ImportoMovimento"] = Valore(I(d.totale));
+    Salva(p);
+    RecordValori c = Base(d, "", 2, latoAltro);
+    c["ContoPrimaNota"] = Valore(vendita ? "4001001" : "6001001");
+    c["ImportoMovimento"] = Valore(I(contropartita));
+    Salva(c);
+    int n = 1;
+    for (const auto& r : iva) {
+      RecordValori v = Base(d, "I", n++, latoAltro);
+      v["ContoPrimaNota"] = Valore(vendita ? "1201001" : "1202001");
+      v["CodiceIva"] = Valore(r.codice);
+      v["Imponibile"] = Valore(I(r.imponibile));
+      v["ImportoMovimento"] = Valore(I(r.imposta));
+      v["IndicatoreCliFor"] = Valore(vendita ? "C" : "F");
+      v["CodiceCliFor"] = Valore(d.partner);
+      Salva(v);
+    }
+  }
+  void Salva(const RecordValori& r) {
+    bool cancel = true;
+    ASSERT_TRUE(pn.SalvaRecord(r, Valore("prova"), 1, cancel));
+  }
+
+  // January's sales: an invoice of two VAT rows, a credit note, a deferred invoice, an invoice
+  // already printed.
+  void Vendite() {
+    Registra({"00001", "FTV", "10/01/2024", "1", "A", 1, 0, "C1", "", "1330.00"},
+             {{"022", "1000.00", "220.00"}, {"010", "100.00", "10.00"}}, "1100.00");
+    Registra({"00002", "NCV", "12/01/2024", "1", "A", 2, 0, "C1", "", "244.00"}, {{"022", "200.00", "44.00"}},
+             "200.00");
+    Registra({"00003", "FED", "20/01/2024", "1", "", 1, 0, "C1", "", "610.00"}, {{"022", "500.00", "110.00"}},
+             "500.00");
+    Registra({"00004", "FTV", "05/01/2024", "1", "", 7, 0, "C1", "R", "122.00"}, {{"022", "100.00", "22.00"}},
+             "100.00");
+  }
+  // January's purchases: an invoice on the 40% non-deductible code, a credit note.
+  void Acquisti() {
+    Registra({"00011", "FTA", "15/01/2024", "2", "", 88, 1, "F1", "", "610.00"}, {{"I40", "500.00", "110.00"}},
+             "500.00");
+    Registra({"00012", "NCA", "18/01/2024", "2", "", 90, 2, "F1", "", "122.00"}, {{"022", "100.00", "22.00"}},
+             "100.00");
+  }
+
+  ArgomentiRegistroIva Argomenti(const std::string& nome) {
+    ArgomentiRegistroIva a;
+    a.AzRagSoc = "Studio Beta";
+    a.AzParIva = "09876543210";
+    a.nomeFile = dir->Percorso() + "/" + nome;
+    a.avar_NumeroRegistro = Valore("01");
+    a.avar_Mese = 1;
+    a.avar_Anno = 2024;
+    a.avar_RighePagina = 40;
+    a.avar_PrefissoTabelleTmp = "t";
+    return a;
+  }
+
+  std::string Stampa(const std::string& tipo, const ArgomentiRegistroIva& a) {
+    EXPECT_TRUE(reg.StampaRegistro(tipo, a));
+    return LeggiFile(a.nomeFile);
+  }
+
+  std::string Stato(const std::string& numero) {
+    return Trim(cn->Scalare("SELECT MIN(substr([Stringa10indicatori], 1, 1)) FROM [Prima Nota] WHERE "
+                            "[NumeroRegistrazione] = ? AND [TipoRigaIvaNormale] = 'I'",
+                            {Valore(numero)})
+                    .Testo());
+  }
+  std::pair<Importo, Importo> Progressivo(const char* ind, const char* tipo, const char* codice) {
+    Importo a, b;
+    prog.GetProgressivoIva(Valore("PI"), Valore(ind), Valore(tipo), Valore("01"), Valore(codice), a, b);
+    return {a, b};
+  }
+
+  clsPrimaNota pn;
+  clsRegistriIva reg;
+  clsProgressiviIva prog;
+};
+
+TEST_P(RegistriIvaTest, VenditeDiProva) {
+  Vendite();
+  std::string testo = Stampa("1", Argomenti("vendite.txt"));
+  ConfrontaGolden("vat/golden/registro_vendite.txt", testo);
+  // 022: 1000 - 200 + 500 (the deferred invoice prints in the same total) = 1300 taxable,
+  // 220 - 44 + 110 = 286 tax; 010: 100 and 10. The invoice marked printed stays out.
+  EXPECT_NE(testo.find(" 022        22,00  Iva 22%                                1.300,00               286,00"),
+            std::string::npos);
+  EXPECT_NE(testo.find("                   Totali                                 1.400,00               296,00"),
+            std::string::npos);
+  EXPECT_EQ(testo.find("00000007"), std::string::npos);
+  // A trial writes nothing back.
+  EXPECT_EQ(Stato("00001"), "");
+  EXPECT_EQ(0, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Progressivi Registri Iva]")));
+  // No work table is left behind.
+  for (const auto& t : cn->Tabelle()) EXPECT_EQ(t.find("tRegistr"), std::string::npos) << t;
+}
+
+TEST_P(RegistriIvaTest, AcquistiConQuotaIndetraibileERiferimento) {
+  Acquisti();
+  ArgomentiRegistroIva a = Argomenti("acquisti.txt");
+  a.RifDocContrRegistriIVA = "1";
+  a.acur_CreditoIva = I("1500.00");
+  std::string testo = Stampa("2", a);
+  ConfrontaGolden("vat/golden/registro_acquisti.txt", testo);
+  // 40% of 500 / 110 is not deductible: 200 / 44 under I40; the rest, 300 / 66, goes to the
+  // fully deductible twin 022 with the credit note's -100 / -22: 200 / 44.
+  EXPECT_NE(testo.find("                   Totali IVA Detraibile                    200,00                44,00"),
+            std::string::npos);
+  EXPECT_NE(testo.find("                   Totali IVA Non Detraibile                200,00                44,00"),
+            std::string::npos);
+  EXPECT_NE(testo.find("CREDITO IVA INIZIO ANNO:           1.500,00"), std::string::npos);
+}
+
+TEST_P(RegistriIvaTest, CostiDellaSemplificata) {
+  Acquisti();
+  Doc d{"00020", "SPE", "22/01/2024", "0", "", 0, 0, "F1", "", "0"};
+  RecordValori r1 = Base(d, "", 1, "D");
+  r1["ContoPrimaNota"] = Valore("6002001");
+  r1["ImportoMovimento"] = Valore(I("75.50"));
+  r1["DescrizioneSupplem"] = Valore("Cancelleria");
+  Salva(r1);
+  RecordValori r2 = Base(d, "", 2, "A");
+  r2["ContoPrimaNota"] = Valore("0601001");
+  r2["ImportoMovimento"] = Valore(I("75.50"));
+  Salva(r2);
+  ArgomentiRegistroIva a = Argomenti("semplificata.txt");
+  a.avar_RegimeContabile = 1;
+  ConfrontaGolden("vat/golden/registro_acquisti_semplificata.txt", Stampa("2", a));
+}
+
+TEST_P(RegistriIvaTest, BollatoRegistraUnaVoltaSola) {
+  Vendite();
+  ArgomentiRegistroIva a = Argomenti("bollato.txt");
+  a.avar_ProvaBollato = "B";
+  a.avar_NumerazionePagine = true;
+  std::string testo = Stampa("1", a);
+  EXPECT_NE(testo.find("Alfa Srl                                  P. IVA: 01234567890      REGISTRO IVA VENDITE"),
+            std::string::npos);
+  EXPECT_NE(testo.find("2024/1"), std::string::npos);
+  // The month's amounts: the invoices of type 1 under "1", the deferred one under "7".
+  EXPECT_EQ(Progressivo("R", "1", "022"), std::make_pair(I("800.00"), I("176.00")));
+  EXPECT_EQ(Progressivo("D", "1", "022"), std::make_pair(I("800.00"), I("176.00")));
+  EXPECT_EQ(Progressivo("R", "1", "010"), std::make_pair(I("100.00"), I("10.00")));
+  EXPECT_EQ(Progressivo("R", "7", "022"), std::make_pair(I("500.00"), I("110.00")));
+  EXPECT_EQ(prog.GetDataUltimaStampa(Valore("1"), Valore("01"), Valore("00")).ComeData(), Data::Crea(2024, 1, 31));
+  EXPECT_EQ(Stato("00001"), "R");
+  EXPECT_EQ(Stato("00003"), "R");
+  EXPECT_EQ(2, NullToZeroLng(cn->Scalare("SELECT [NumeroUltimoDocBollato] FROM [Progressivi Numerazione Vorn] WHERE "
+                                         "[TipoRegistro] = '1' AND [SerieDocumento] = 'A'")));
+  // Two pages of 40 lines, the body's and the totals': the next sheet is 3.
+  EXPECT_EQ(3, NullToZeroLng(cn->Scalare("SELECT [Numero] FROM [Numerazione Fogli] WHERE [TipoStampa] = 'R' AND "
+                                         "[TipoRegistro] = 'V' AND [Anno] = 2024")));
+
+  // The month again: nothing left to print, nothing added twice.
+  host->Pulisci();
+  EXPECT_TRUE(reg.StampaRegistro("1", a));
+  EXPECT_FALSE(reg.Esito().stampato);
+  EXPECT_EQ(host->Ultimo(), "Nessun dato da stampare.");
+  EXPECT_EQ(Progressivo("R", "1", "022"), std::make_pair(I("800.00"), I("176.00")));
+  EXPECT_EQ(Progressivo("R", "7", "022"), std::make_pair(I("500.00"), I("110.00")));
+}
+
+TEST_P(RegistriIvaTest, BollatoInterrottoNonLasciaNulla) {
+  Acquisti();
+  // The purchases feed the base of the receipts by ventilation: without its table the
+  // bookkeeping fails half way, after the marks and the progressives.
+  cn->Esegui("DROP TABLE [Monte Acquisti Ventilazione]");
+  ArgomentiRegistroIva a = Argomenti("interrotto.txt");
+  a.avar_ProvaBollato = "B";
+  cn->Esegui("UPDATE [Causali Contabili] SET [TipoCausale] = '5' WHERE [CodiceCausale] = 'FTA'");
+  Registra({"00013", "FTA", "16/01/2024", "2", "", 89, 3, "F1", "", "122.00"}, {{"022", "100.00", "22.00"}}, "100.00");
+  EXPECT_ANY_THROW(reg.StampaRegistro("2", a));
+  EXPECT_FALSE(std::filesystem::exists(a.nomeFile));
+  EXPECT_EQ(Stato("00011"), "");
+  EXPECT_EQ(Stato("00012"), "");
+  EXPECT_EQ(Stato("00013"), "");
+  EXPECT_EQ(0, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Progressivi Registri Iva]")));
+  EXPECT_EQ(0, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Progressivi Numerazione Vorn]")));
+}
+
+TEST_P(RegistriIvaTest, MeseVuotoBollatoSalvaSoloLaData) {
+  ArgomentiRegistroIva a = Argomenti("vuoto.txt");
+  a.avar_ProvaBollato = "B";
+  a.avar_Mese = 2;
+  EXPECT_TRUE(reg.StampaRegistro("1", a));
+  EXPECT_EQ(host->Ultimo(), "Nessun dato da stampare.");
+  EXPECT_FALSE(std::filesystem::exists(a.nomeFile));
+  EXPECT_EQ(prog.GetDataUltimaStampa(Valore("1"), Valore("01"), Valore("00")).ComeData(), Data::Crea(2024, 2, 29));
+  EXPECT_EQ(1, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Progressivi Registri Iva]")));
+}
+
+TEST_P(RegistriIvaTest, PerLaLiquidazioneContanoLeRigheStampateNonLeDifferite) {
+  Vendite();
+  Data da = *Data::Crea(2024, 1, 1), al = *Data::Crea(2024, 1, 31);
+  // The print leaves out the row marked "R"; the settlement takes it, and leaves out the
+  // deferred invoice instead.
+  EXPECT_EQ(4, reg.MakeTable_RegistroIvaVenditeCorpo(Valore("01"), da, al, "s", false));
+  EXPECT_EQ(4, reg.MakeTable_RegistroIvaVenditeCorpo(Valore("01"), da, al, "s", true));
+  // 022: 220 - 44 + 22 (the row already printed); the deferred invoice's 110 stays out.
+  EXPECT_EQ(I("198.00"), NullToZeroCy(cn->Scalare("SELECT SUM([Imposta]) FROM [sRegistro iva vendite corpo] WHERE "
+                                                  "[CodiceIva] = '022'")));
+  EXPECT_EQ(I("110.00"), reg.GetTotaliIvaDifferitaVenditeSim(Valore("01"), da, al, "s"));
+  reg.EliminaTabelleTemporaneeIva("1", "s");
+}
+
+TEST_P(RegistriIvaTest, VentilazioneDistribuitaSuiCodiciDegliAcquisti) {
+  // Purchases for resale of the year: 22% base 610 (500 + 110), 10% base 110 (100 + 10).
+  Causale("FAR", "Acquisto merci da rivendere", "2", "5");
+  Registra({"00031", "FAR", "10/01/2024", "2", "", 1, 1, "F1", "", "610.00"}, {{"022", "500.00", "110.00"}}, "500.00");
+  Registra({"00032", "FAR", "11/01/2024", "2", "", 2, 2, "F1", "", "110.00"}, {{"010", "100.00", "10.00"}}, "100.00");
+  // The receipts of the period: 1000.
+  reg.MakeTable_RegistroIvaCorrispettiviVentilazioneCorpo(Valore("01"), *Data::Crea(2024, 1, 1),
+                                                         *Data::Crea(2024, 1, 31), "v", true);
+  cn->Esegui("INSERT INTO [vRegistro iva corrispettivi ventilazione corpo] ([NumeroRegistrazione], [TotaleDocumento]) "
+             "VALUES ('00099', 1000)");
+  reg.MakeTable_RegistroIvaCorrispettiviVentilazioneTotaliLiquidazioneSim("v", *Data::Crea(2024, 1, 31), Valore("01"));
+  // b = 1000 x 610 / 720 = 847,2222 -> 847,22; taxable b / 1,22 = 694,44; tax 152,78.
+  // b = 1000 x 110 / 720 = 152,7778 -> 152,78; taxable b / 1,10 = 138,89; tax 13,89.
+  Recordset rs = cn->Execute("SELECT [CodiceIVA], [BaseVentilazione], [SommadiImponibileRigo], [SommadiImposta] FROM "
+                             "[vRegistro iva corrispettivi ventilazione totali] ORDER BY [CodiceIVA]");
+  ASSERT_FALSE(rs.Eof());
+  EXPECT_EQ(Trim(rs(0).Value().Testo()), "010");
+  EXPECT_EQ(NullToZeroCy(rs(1).Value()), I("152.78"));
+  EXPECT_EQ(NullToZeroCy(rs(2).Value()), I("138.89"));
+  EXPECT_EQ(NullToZeroCy(rs(3).Value()), I("13.89"));
+  rs.MoveNext();
+  EXPECT_EQ(NullToZeroCy(rs(1).Value()), I("847.22"));
+  EXPECT_EQ(NullToZeroCy(rs(2).Value()), I("694.44"));
+  EXPECT_EQ(NullToZeroCy(rs(3).Value()), I("152.78"));
+  reg.EliminaTabelleTemporaneeIva("4", "v");
+}
+
+TEST_P(RegistriIvaTest, CodiceDeducibileIncoerenteAvvisaEneCercaUnAltro) {
+  Codice("X22", "Iva 22% art. 8", "22", 0, "");
+  cn->Esegui("UPDATE [Codici Iva] SET [Flag Articolo 8] = '1' WHERE [Codice Iva] = 'X22'");
+  cn->Esegui("UPDATE [Codici Iva] SET [Codice IVA detraibile] = 'X22' WHERE [Codice Iva] = 'I40'");
+  EXPECT_EQ("022", reg.GetCodiceIvaDeducibile(Valore("I40"), Valore(I("22")), Valore("1"), Valore("0"), Valore("0"),
+                                              Valore("0")));
+  EXPECT_NE(host->Ultimo().find("'X22' associato al codice IVA 'I40' non è coerente"), std::string::npos);
+  // No code of the rate with these flags: the empty text, and the totals warn.
+  EXPECT_EQ("", reg.GetCodiceIvaDeducibile(Valore("I40"), Valore(I("22")), Valore("0"), Valore("1"), Valore("0"),
+                                           Valore("0")));
+}
+
+TEST(QuotaPercentuale, ArrotondaUnaVoltaSola) {
+  // 0,0124 x 40% = 0,00496: to the cent 0,00 (rounding to four decimals first would give 0,01).
+  EXPECT_EQ(QuotaPercentuale(I("0.0124"), 40, 2), I("0"));
+  EXPECT_EQ(QuotaPercentuale(I("0.0125"), 40, 2), I("0.01"));
+  EXPECT_EQ(QuotaPercentuale(I("-0.0125"), 40, 2), I("-0.01"));
+  EXPECT_EQ(QuotaPercentuale(I("999999999.99"), 12.5, 2), I("125000000.00"));
+}
+
+VORN_SU_DUE_MOTORI(RegistriIvaTest);
+
+}  // namespace
+}  // namespace vorn::test
