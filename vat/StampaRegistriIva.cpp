@@ -27,6 +27,11 @@ std::string T(const Valore& v) { return Trim(v.Testo()); }
 Importo Imp(const Valore& v) { return NullToZeroCy(v); }
 std::string Sx(const std::string& s, int n) { return PadSinistra(Valore(s), n); }
 std::string Dx(const std::string& s, int n) { return PadDestra(Valore(s), n); }
+// Pads or cuts to `n` characters, keeping leading blanks.
+std::string Largo(const std::string& s, int n) {
+  size_t l = LunghezzaTesto(s), w = static_cast<size_t>(n);
+  return l >= w ? SinistraTesto(s, w) : s + std::string(w - l, ' ');
+}
 std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
 std::string Cifra(const Valore& v) { return v.IsNull() || v.IsEmpty() ? "" : Cifra(Imp(v)); }
 
@@ -470,12 +475,12 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
       Importo periodoProg, annoProg;
       progressivi->GetProgressivoVentilazione(Valore(registro), periodoProg, annoProg);
       Scrivi(out,
-             Sx("     Totali Corrispettivi Ventilazione       Mese di " + NomeMese(Valore(a.avar_Mese)) + " " +
-                    std::to_string(a.avar_Anno),
-                90) +
+             Largo("     Totali Corrispettivi Ventilazione       Mese di " + NomeMese(Valore(a.avar_Mese)) + " " +
+                       std::to_string(a.avar_Anno),
+                   90) +
                  Dx(Cifra(periodo), 13),
              file.corpo);
-      Scrivi(out, Sx("   Totale                   Anno " + std::to_string(a.avar_Anno), 90) +
+      Scrivi(out, Largo("   Totale                   Anno " + std::to_string(a.avar_Anno), 90) +
                       Dx(Cifra(annoProg + periodo), 13),
              file.corpo);
       Scrivi(out, Riga('-'), file.corpo);

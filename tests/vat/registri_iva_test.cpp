@@ -99,7 +99,7 @@ class RegistriIvaTest : public AziendaTest {
 
   // A document: the partner's row for the total, a revenue or cost row, and the VAT rows.
   void Registra(const Doc& d, const std::vector<RigaIva>& iva, const char* contropartita) {
-    bool vendita = d.registro == "1";
+    bool vendita = d.registro != "2";
     bool nota = d.causale == "NCV" || d.causale == "NCA";
     std::string latoPartner = (vendita != nota) ? "D" : "A", latoAltro = latoPartner == "D" ? "A" : "D";
     RecordValori p = Base(d, "", 1, latoPartner);
@@ -233,6 +233,33 @@ TEST_P(RegistriIvaTest, CostiDellaSemplificata) {
   ArgomentiRegistroIva a = Argomenti("semplificata.txt");
   a.avar_RegimeContabile = 1;
   ConfrontaGolden("vat/golden/registro_acquisti_semplificata.txt", Stampa("2", a));
+}
+
+TEST_P(RegistriIvaTest, CorrispettiviVentilazioneESospensione) {
+  Causale("COR", "Corrispettivi", "3", "2");
+  Causale("CST", "Storno corrispettivi", "3", "3");
+  Causale("CVT", "Corrispettivi in ventilazione", "4", "2");
+  Causale("FSO", "Fattura IVA in sospensione", "5", "0");
+  Registra({"00041", "COR", "31/01/2024", "3", "", 0, 0, "C1", "", "1220.00"}, {{"022", "1000.00", "220.00"}},
+           "1000.00");
+  Registra({"00042", "CST", "31/01/2024", "3", "", 0, 0, "C1", "", "110.00"}, {{"010", "100.00", "10.00"}}, "100.00");
+  Registra({"00043", "FSO", "25/01/2024", "5", "P", 3, 0, "C1", "", "1220.00"}, {{"022", "1000.00", "220.00"}},
+           "1000.00");
+  // Receipts by ventilation: the cash against the takings, no VAT rows.
+  Doc v{"00044", "CVT", "30/01/2024", "4", "", 0, 0, "C1", "", "0"};
+  RecordValori cassa = Base(v, "", 1, "D");
+  cassa["ContoPrimaNota"] = Valore("0501001");
+  cassa["ImportoMovimento"] = Valore(I("915.00"));
+  Salva(cassa);
+  RecordValori ricavo = Base(v, "", 2, "A");
+  ricavo["ContoPrimaNota"] = Valore("4001001");
+  ricavo["ImportoMovimento"] = Valore(I("915.00"));
+  Salva(ricavo);
+  ConfrontaGolden("vat/golden/registro_corrispettivi.txt", Stampa("3", Argomenti("corrispettivi.txt")));
+  ConfrontaGolden("vat/golden/registro_sospensione.txt", Stampa("5", Argomenti("sospensione.txt")));
+  std::string ventilazione = Stampa("4", Argomenti("ventilazione.txt"));
+  ConfrontaGolden("vat/golden/registro_ventilazione.txt", ventilazione);
+  EXPECT_NE(ventilazione.find("Totali Corrispettivi Ventilazione"), std::string::npos);
 }
 
 TEST_P(RegistriIvaTest, BollatoRegistraUnaVoltaSola) {
