@@ -1,5 +1,8 @@
 #include "frame/TabellaLavoro.h"
 
+#include <cstdio>
+#include <functional>
+
 #include "frame/Catalogo.h"
 
 namespace vorn {
@@ -36,6 +39,10 @@ TabellaLavoro::TabellaLavoro(Connessione& cn, const std::string& prefisso, const
   VerificaNome(nome);
   nome_ = prefisso + nome;
   VerificaNome(nome_);
+  // PostgreSQL cuts longer names, and two tables could then meet under one: refused on both
+  // engines alike.
+  if (nome_.size() > 63)
+    throw ErroreDb(3265, "Nome di tabella di lavoro troppo lungo (al più 63 byte): '" + nome_ + "'");
   if (TabellaCatalogoDi(nome_))
     throw ErroreDb(3265, "'" + nome_ + "' è un archivio dell'azienda: non può essere una tabella di lavoro.");
   if (colonne_.empty()) throw ErroreDb(3265, "Tabella di lavoro senza colonne: " + nome_);
@@ -69,8 +76,11 @@ void TabellaLavoro::CreaIndice(const std::vector<std::string>& colonne) {
     VerificaNome(c, "colonna");
     cols += (cols.empty() ? "[" : ", [") + c + "]";
   }
-  // The index is named after the table, so that it goes with it.
-  std::string indice = "ix_" + nome_;
+  // The index is named after the table (a digest of its name, short on every engine), so that
+  // it goes with it.
+  char cifre[17];
+  std::snprintf(cifre, sizeof cifre, "%016llx", static_cast<unsigned long long>(std::hash<std::string>{}(nome_)));
+  std::string indice = std::string("ix_") + cifre;
   VerificaNome(indice);
   cn_.Esegui("CREATE INDEX [" + indice + "] ON [" + nome_ + "] (" + cols + ")");
 }
