@@ -121,7 +121,7 @@ TEST(RigaDiComando, TwoCreationsOfOneFileAtOnce) {
     ASSERT_TRUE(fs::exists(f));
     auto cn = Connessione::ApriSqlite(f);
     EXPECT_EQ(cn->Tabelle().size(), TabelleCatalogo().size() + VisteCatalogo().size());
-    EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Codici Iva]").ComeIntero().value_or(0), 16);
+    EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Codici Iva]").ComeIntero().value_or(0), 31);
     cn->Close();
   }
   // Nothing of the creations is left beside the files.
@@ -139,7 +139,7 @@ TEST(RigaDiComando, AnInterruptedCreationLeavesNoHalfCompany) {
   a.Attendi();
   if (fs::exists(f)) {
     auto cn = Connessione::ApriSqlite(f);
-    EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Codici Iva]").ComeIntero().value_or(0), 16);
+    EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Codici Iva]").ComeIntero().value_or(0), 31);
     cn->Close();
   } else {
     EXPECT_EQ(Vorn({"crea-azienda", f, "--modello", "standard"}).rc, 0);
@@ -251,7 +251,7 @@ TEST_P(RigaDiComandoAzienda, AnEmptyDatabaseTakesTheCompanyAFullOneIsLeftAlone) 
   {
     auto c = Connessione::ApriPostgres(azienda);
     EXPECT_EQ(c->Scalare("SELECT COUNT(*) FROM [Codici Iva] WHERE [Descrizione Iva] = 'mia'").ComeIntero().value_or(0),
-              16);
+              31);
     c->Close();
   }
   a->Esegui("DROP DATABASE \"" + nome + "\"");
