@@ -1,14 +1,22 @@
 // The demo company of vorn demo: clients, suppliers and a year of journal entries, made up from a
-// starting number (--seme) so that the same options always give the same books; and the trial balance of its
-// sub-accounts.
+// starting number (--seme) so that the same options always give the same books; then the steps
+// that show what the books give, one capability a step, each registered from a file of its own
+// (demo_*.cpp): the trial balance of the sub-accounts, a ledger card, the VAT registers.
 #pragma once
 #include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Importo.h"
+
+namespace vorn {
+class FormConsole;
+}
 
 namespace vorn::cli {
 
@@ -46,5 +54,37 @@ std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(Connessione& cn);
 
 // The trial balance as text: a heading, one line a sub-account, the totals.
 std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe);
+
+// What the steps of the demo share: the filled company, its year, where they tell what they did,
+// and the files they wrote, in the order written.
+struct ContestoDemo {
+  std::shared_ptr<Connessione> cn;  // the company, open for writing
+  std::string azienda;              // its file, as the user named it
+  OpzioniDemo opzioni;
+  EsitoDemo esito;
+  std::ostream& out;
+  FormConsole* form = nullptr;  // the progress line; none in the tests
+  std::vector<std::string> fileScritti;
+  int Anno() const { return opzioni.anno; }
+  // Ends the progress line before a step writes to `out`.
+  void FineProgresso();
+};
+
+// One step: run after the steps of lower `ordine`; a step that throws ends the demo with its error.
+struct PassoDemo {
+  int ordine = 0;
+  std::string nome;
+  std::function<void(ContestoDemo&)> esegui;
+};
+
+// Registered from a step's own file by a static RegistraPassoDemo.
+void AggiungiPassoDemo(PassoDemo p);
+struct RegistraPassoDemo {
+  explicit RegistraPassoDemo(PassoDemo p) { AggiungiPassoDemo(std::move(p)); }
+};
+// The steps in order (by `ordine`, then by name).
+std::vector<PassoDemo> PassiDemo();
+// Runs every step on the context, in order.
+void EseguiPassiDemo(ContestoDemo& ctx);
 
 }  // namespace vorn::cli

@@ -1,10 +1,8 @@
 // vorn demo: a company from the standard model filled with a year of made-up but consistent
-// books, and its trial balance.
+// books, then the steps of the demo (Demo.h) in order.
 #include <algorithm>
-#include <array>
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <ostream>
 #include <set>
@@ -12,15 +10,11 @@
 
 #include "cli/Comandi.h"
 #include "cli/Demo.h"
-#include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
-#include "frame/FileVorn.h"
 #include "frame/Formato.h"
-#include "frame/Impaginazione.h"
 #include "frame/Schema.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
-#include "ledger/clsStampaMastrini.h"
 
 namespace vorn::cli {
 
@@ -713,106 +707,35 @@ EsitoDemo RiempiAziendaDemo(Connessione& cn, const OpzioniDemo& o, IForm* form) 
   return g.Esegui();
 }
 
-std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(Connessione& cn) {
-  std::vector<RigaBilancioVerifica> v;
-  auto rs = cn.Execute(
-      "SELECT [Saldi Piano Dei Conti].[CodiceGruppo], [Saldi Piano Dei Conti].[CodiceConto], "
-      "[Saldi Piano Dei Conti].[CodiceSottoconto], [Piano Dei Conti].[Descrizione], "
-      "[Saldi Piano Dei Conti].[SaldoInizialePeriodo], [Saldi Piano Dei Conti].[SaldoDarePeriodo], "
-      "[Saldi Piano Dei Conti].[SaldoAverePeriodo], [Saldi Piano Dei Conti].[SaldoInizialeProgr], "
-      "[Saldi Piano Dei Conti].[DareProgressivo], [Saldi Piano Dei Conti].[AvereProgressivo] "
-      "FROM [Saldi Piano Dei Conti] LEFT JOIN [Piano Dei Conti] ON "
-      "[Piano Dei Conti].[Gruppo] = [Saldi Piano Dei Conti].[CodiceGruppo] AND "
-      "[Piano Dei Conti].[Conto] = [Saldi Piano Dei Conti].[CodiceConto] AND "
-      "[Piano Dei Conti].[Sottoconto] = [Saldi Piano Dei Conti].[CodiceSottoconto] "
-      "ORDER BY [Saldi Piano Dei Conti].[CodiceGruppo], [Saldi Piano Dei Conti].[CodiceConto], "
-      "[Saldi Piano Dei Conti].[CodiceSottoconto]");
-  for (; !rs.Eof(); rs.MoveNext()) {
-    RigaBilancioVerifica r;
-    r.codice = Trim(rs(0).Value().Testo()) + Trim(rs(1).Value().Testo()) + Trim(rs(2).Value().Testo());
-    r.descrizione = Trim(rs(3).Value().Testo());
-    Importo apertura = NullToZeroCy(rs(4).Value()) + NullToZeroCy(rs(7).Value());
-    r.dare = NullToZeroCy(rs(5).Value()) + NullToZeroCy(rs(8).Value());
-    r.avere = NullToZeroCy(rs(6).Value()) + NullToZeroCy(rs(9).Value());
-    if (apertura > Importo()) r.dare += apertura;
-    else r.avere -= apertura;
-    if (r.dare.Zero() && r.avere.Zero()) continue;
-    v.push_back(std::move(r));
-  }
+void ContestoDemo::FineProgresso() {
+  if (form) form->Fine();
+}
+
+namespace {
+std::vector<PassoDemo>& Passi() {
+  static std::vector<PassoDemo> v;
+  return v;
+}
+}  // namespace
+
+void AggiungiPassoDemo(PassoDemo p) { Passi().push_back(std::move(p)); }
+
+std::vector<PassoDemo> PassiDemo() {
+  std::vector<PassoDemo> v = Passi();
+  std::stable_sort(v.begin(), v.end(), [](const PassoDemo& a, const PassoDemo& b) {
+    return a.ordine != b.ordine ? a.ordine < b.ordine : a.nome < b.nome;
+  });
   return v;
 }
 
-namespace {
-
-std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
-
-// Amounts in 18 columns: room for tens of billions with their points.
-constexpr int kImporto = 18;
-constexpr size_t kLarghezza = 9 + 2 + 36 + 3 * (1 + kImporto) + 2;
-
-std::string SaldoConLato(Importo s) {
-  if (s.Zero()) return PadDestra(Valore(Cifra(s)), kImporto) + "  ";
-  return PadDestra(Valore(Cifra(s < Importo() ? -s : s)), kImporto) + (s < Importo() ? " A" : " D");
-}
-
-std::string RigaTesto(const std::string& codice, const std::string& descrizione, const std::string& dare,
-                      const std::string& avere, const std::string& saldo) {
-  return PadSinistra(Valore(codice), 9) + "  " + PadSinistra(Valore(SinistraTesto(descrizione, 36)), 36) + " " +
-         PadDestra(Valore(dare), kImporto) + " " + PadDestra(Valore(avere), kImporto) + " " + saldo;
-}
-
-std::string Intestazione() {
-  return RigaTesto("Codice", "Descrizione", "Dare", "Avere", PadDestra(Valore("Saldo"), kImporto));
-}
-
-}  // namespace
-
-std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe) {
-  std::string riga(kLarghezza, '-');
-  std::string s = Intestazione() + "\n" + riga + "\n";
-  Importo dare, avere;
-  for (const auto& r : righe) {
-    s += RigaTesto(FormattaConto(Valore(r.codice)), r.descrizione, Cifra(r.dare), Cifra(r.avere),
-                   SaldoConLato(r.Saldo())) +
-         "\n";
-    dare += r.dare;
-    avere += r.avere;
+void EseguiPassiDemo(ContestoDemo& ctx) {
+  for (const auto& p : PassiDemo()) {
+    p.esegui(ctx);
+    ctx.FineProgresso();
   }
-  s += riga + "\n";
-  s += RigaTesto("", "Totali", Cifra(dare), Cifra(avere), SaldoConLato(dare - avere)) + "\n";
-  return s;
 }
 
 namespace {
-
-std::string ScriviStampa(const std::string& testo, const std::string& ditta, int anno) {
-  std::string corpo = CartellaTemp() + "/bilverdemo.tmp", stampa = CartellaStampe() + "/BilancioVerificaDemo.txt";
-  {
-    std::ofstream f(corpo, std::ios::binary);
-    // The heading of the columns goes to the page head: the body starts after the rule.
-    size_t inizio = testo.find('\n', testo.find('\n') + 1) + 1;
-    f << testo.substr(inizio);
-    f.close();
-    if (!f) throw ErroreStampa("Impossibile scrivere il file " + corpo);
-  }
-  std::string titolo = "===" + std::string(30, ' ') + "BILANCIO DI VERIFICA DEI SOTTOCONTI AL 31/12/" +
-                       std::to_string(anno);
-  titolo = PadSinistra(Valore(titolo), kColonneReport);
-  RigaPagina("", Valore(0));
-  std::array<std::string, 9> testata = {"DITTA : " + ditta,
-                                        std::string(kColonneReport, '='),
-                                        titolo,
-                                        std::string(kColonneReport, '='),
-                                        Intestazione(),
-                                        std::string(kLarghezza, '-'),
-                                        "",
-                                        "",
-                                        ""};
-  std::array<std::string, 4> piede = {"", "", "", ""};
-  ImpaginaFileAzienda(corpo, stampa, 66, testata, piede, 3);
-  CancellaFile(corpo);
-  return stampa;
-}
 
 long NumeroPositivo(Argomenti& a, const std::string& nome, long predefinito, long massimo) {
   auto v = a.Opzione(nome);
@@ -866,30 +789,10 @@ int Demo(Contesto& ctx) {
   }
   ctx.form.Fine();
 
-  auto righe = BilancioVerificaSottoconti(*db->cn);
-  std::string testo = TestoBilancioVerifica(righe);
-  clsAnagraficaAzienda anagrafica;
-  anagrafica.cn = db->cn;
-  std::string stampa = ScriviStampa(testo, anagrafica.GetRagioneSocialeAzienda(), o.anno);
-  // The ledger card of the Italian clients' control account over the year.
-  ArgomentiStampaMastrini am;
-  am.RagioneSocialeAzienda = anagrafica.GetRagioneSocialeAzienda();
-  am.nomeFile = CartellaStampe() + "/MastrinoClientiDemo.txt";
-  am.avar_DaData = Valore("01/01/" + std::to_string(o.anno));
-  am.avar_AData = Valore("31/12/" + std::to_string(o.anno));
-  am.avar_StampaDescrizionePN = true;
-  am.avar_StampaSaldo = true;
-  am.DataStampa = Data::Crea(o.anno, 12, 31);
-  clsStampaMastrini mastrini;
-  mastrini.cn = db->cn;
-  bool conScheda = mastrini.StampaSottoconti(am, Valore("0501001"), Valore("0501001")) > 0;
+  ContestoDemo passi{db->cn, az.file, o, esito, ctx.out, &ctx.form, {}};
+  EseguiPassiDemo(passi);
+  ctx.form.Fine();
   db->DisconnettiDatabase();
-
-  ctx.out << "Bilancio di verifica dei sottoconti al 31/12/" << o.anno << "\n\n" << testo << "\n";
-  ctx.out << "Azienda: " << az.file << " (" << esito.registrazioni << " registrazioni, " << esito.righe
-          << " righe di prima nota)\n";
-  ctx.out << "Stampa: " << stampa << "\n";
-  if (conScheda) ctx.out << "Mastrino: " << am.nomeFile << "\n";
   return 0;
 }
 
@@ -898,9 +801,10 @@ const char* const kUsoDemo =
     "Crea DIR/azienda.db dal modello standard e la riempie di clienti, fornitori e di un anno di\n"
     "registrazioni (fatture di vendita e di acquisto con le righe IVA, note di credito, incassi,\n"
     "pagamenti, giroconti, liquidazioni e versamenti IVA). Con lo stesso seme e le stesse opzioni\n"
-    "l'azienda è sempre la stessa. Poi stampa il bilancio di verifica dei sottoconti e scrive la\n"
-    "sua stampa impaginata e il mastrino dei clienti Italia sotto la cartella dell'applicazione\n"
-    "(Temp).\n\n"
+    "l'azienda è sempre la stessa. Poi stampa il bilancio di verifica dei sottoconti e scrive,\n"
+    "sotto la cartella dell'applicazione (Temp), la sua stampa impaginata, il mastrino dei clienti\n"
+    "Italia e i registri IVA vendite e acquisti di ogni mese (Temp/RegistriIva): il primo\n"
+    "trimestre bollato, con i fogli numerati, gli altri mesi in prova.\n\n"
     "  --seme N            il seme dei dati (1)\n"
     "  --clienti N         quanti clienti (40)\n"
     "  --fornitori N       quanti fornitori (25)\n"
