@@ -4,3 +4,6 @@
 
 // Ledger cards and balances at a date over a large journal.
 int BenchMastrini(int argc, char** argv);
+
+// The VAT registers of a year over a large journal, against a plain read of their rows.
+int BenchRegistriIva(int argc, char** argv);
