@@ -700,6 +700,8 @@ const std::vector<IndiceCatalogo>& IndiciCatalogo() {
       {"ix_pn_datareg", "Prima Nota", {"DataRegistrazione"}},
       {"ix_pn_datacomp", "Prima Nota", {"DataCompetenza"}},
       {"ix_pn_dataciva", "Prima Nota", {"DataCompetenzaIVA"}},
+      // The rows of one VAT register in a period: what the registers and the settlement read.
+      {"ix_pn_registro", "Prima Nota", {"TipoRegistroIva", "NumRegistroIva", "DataCompetenzaIVA"}},
       {"ix_pn_conto", "Prima Nota", {"ContoPrimaNota"}},
       {"ix_pn_clifor", "Prima Nota", {"IndClienteFornitore", "CodClienteFornitore"}},
       {"ix_spdc_conto", "Saldi Piano Dei Conti", {"CodiceGruppo", "CodiceConto", "CodiceSottoconto"}},

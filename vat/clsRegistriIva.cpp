@@ -155,16 +155,23 @@ DateRegistro DateDi(const Registro& r, const std::string& autotrasportatori) {
   return d;
 }
 
-// The period filter: the register's date, or the accounting date for a row without a VAT date.
-std::string FiltroPeriodo(const std::string& colonna, Parametri& p, const Data& da, const Data& a) {
-  std::string c = "P.[" + colonna + "]";
-  p.push_back(Valore(da));
-  p.push_back(Valore(a));
-  if (colonna == "DataCompetenza") return "(" + c + " >= ? AND " + c + " <= ?)";
-  p.push_back(Valore(da));
-  p.push_back(Valore(a));
-  return "((" + c + " >= ? AND " + c + " <= ?) OR (" + c + " IS NULL AND P.[DataCompetenza] >= ? AND " +
-         "P.[DataCompetenza] <= ?))";
+// A statement over the period: `testa` + the period's condition + `coda`. By the VAT date, a row
+// without one goes by its accounting date: the two are read as two selects joined by UNION ALL,
+// each of which an index of the journal answers (an OR of the two would read the register's
+// whole year).
+std::string PerPeriodo(const std::string& testa, const std::string& coda, const Parametri& pc,
+                       const std::string& colonna, const Data& da, const Data& a, Parametri& p) {
+  const std::string c = "P.[" + colonna + "]";
+  auto parte = [&](const std::string& condizione) {
+    p.push_back(Valore(da));
+    p.push_back(Valore(a));
+    p.insert(p.end(), pc.begin(), pc.end());
+    return testa + condizione + coda;
+  };
+  std::string s = parte("(" + c + " >= ? AND " + c + " <= ?)");
+  if (colonna != "DataCompetenza")
+    s += " UNION ALL " + parte("(" + c + " IS NULL AND P.[DataCompetenza] >= ? AND P.[DataCompetenza] <= ?)");
+  return s;
 }
 
 Data PrimoDelMese(int anno, int mese) {
@@ -237,24 +244,23 @@ int64_t clsRegistriIva::MakeTable_RegistroIvaCorpo(const std::string& TipoRegist
   sel += "P.[TipoRigaIvaNormale], P.[NumRigaAVideo], P.[DareAvere] "
          "FROM ([Prima Nota] P LEFT JOIN [Codici Iva] I ON I.[Codice Iva] = P.[CodiceIva]) "
          "LEFT JOIN [Causali Contabili] C ON C.[CodiceCausale] = P.[CodiceCausale] WHERE ";
-  Parametri p;
   if (!bool_PerLiquidazione) sel += "COALESCE(substr(P.[Stringa10indicatori], 1, 1), '') <> 'R' AND ";
-  sel += FiltroPeriodo(date.filtro, p, daData, aData);
-  sel += " AND P.[TipoRegistroIva] = ? AND P.[NumRegistroIva] = ?";
-  p.push_back(Valore(std::string(r.tipo)));
-  p.push_back(Valore(T(avar_NumeroRegistro)));
+  std::string coda = " AND P.[TipoRegistroIva] = ? AND P.[NumRegistroIva] = ?";
+  Parametri pc = {Valore(std::string(r.tipo)), Valore(T(avar_NumeroRegistro))};
   if (r.ventilazione) {
     // The takings: the revenue side of each receipt (credit; debit for a reversal), not the
     // cash row that stands against it.
-    sel += " AND COALESCE(P.[TipoRigaIvaNormale], '') <> 'I' AND ((COALESCE(C.[TipoCausale], '') IN (" +
-           SegnoTotale(r) + ") AND P.[DareAvere] = 'D') OR (COALESCE(C.[TipoCausale], '') NOT IN (" +
-           SegnoTotale(r) + ") AND P.[DareAvere] = 'A'))";
+    coda += " AND COALESCE(P.[TipoRigaIvaNormale], '') <> 'I' AND ((COALESCE(C.[TipoCausale], '') IN (" +
+            SegnoTotale(r) + ") AND P.[DareAvere] = 'D') OR (COALESCE(C.[TipoCausale], '') NOT IN (" +
+            SegnoTotale(r) + ") AND P.[DareAvere] = 'A'))";
   } else {
-    sel += " AND P.[TipoRigaIvaNormale] = 'I'";
+    coda += " AND P.[TipoRigaIvaNormale] = 'I'";
   }
   if (bool_PerLiquidazione)
-    sel += " AND COALESCE(C.[TipoCausale], '') <> '7' AND COALESCE(C.[TipoCausale], '') <> '8'";
-  int64_t n = corpo.Riempi(sel, p);
+    coda += " AND COALESCE(C.[TipoCausale], '') <> '7' AND COALESCE(C.[TipoCausale], '') <> '8'";
+  Parametri p;
+  const std::string istruzione = PerPeriodo(sel, coda, pc, date.filtro, daData, aData, p);
+  int64_t n = corpo.Riempi(istruzione, p);
   corpo.CreaIndice({"NumeroRegistrazione"});
 
   if (r.acquisti && n > 0) {
@@ -537,13 +543,14 @@ Importo TotaliDifferitaSim(Connessione& cn, const std::string& tipoRegistro, boo
                         "P.[ImportoMovimento] END";
   if (acquisti) termine = "(" + termine + ") * (100 - COALESCE(I.[Percentuale indetraibilità], 0)) / 100";
   Parametri p;
-  std::string sql = "SELECT SUM(" + termine +
-                    ") FROM ([Prima Nota] P LEFT JOIN [Causali Contabili] C ON C.[CodiceCausale] = P.[CodiceCausale]) "
-                    "LEFT JOIN [Codici Iva] I ON I.[Codice Iva] = P.[CodiceIva] WHERE P.[TipoRigaIvaNormale] = 'I' AND "
-                    "P.[TipoRegistroIva] = ? AND P.[NumRegistroIva] = ? AND C.[TipoCausale] IN ('7', '8') AND ";
-  p.push_back(Valore(tipoRegistro));
-  p.push_back(Valore(Trim(numero.Testo())));
-  sql += FiltroPeriodo("DataCompetenzaIVA", p, da, a);
+  std::string sql = "SELECT SUM(K.[x]) FROM (" +
+                    PerPeriodo("SELECT " + termine +
+                                   " AS [x] FROM ([Prima Nota] P LEFT JOIN [Causali Contabili] C ON C.[CodiceCausale] = "
+                                   "P.[CodiceCausale]) LEFT JOIN [Codici Iva] I ON I.[Codice Iva] = P.[CodiceIva] WHERE ",
+                               " AND P.[TipoRigaIvaNormale] = 'I' AND P.[TipoRegistroIva] = ? AND P.[NumRegistroIva] = ? "
+                               "AND C.[TipoCausale] IN ('7', '8')",
+                               {Valore(tipoRegistro), Valore(Trim(numero.Testo()))}, "DataCompetenzaIVA", da, a, p) +
+                    ") K";
   // Rounded once, to the company's decimals.
   return Imp(cn.Scalare(sql, p)).Arrotonda(Decimali());
 }
