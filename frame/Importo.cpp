@@ -130,4 +130,21 @@ Importo Importo::Diviso(double divisore) const {
   return DaRaw(static_cast<int64_t>(r));
 }
 
+Importo ArrotondaRapporto(Int128 num, Int128 den, int decimali) {
+  if (den == 0) return Importo();
+  if (den < 0) {
+    num = -num;
+    den = -den;
+  }
+  if (decimali < 0) decimali = 0;
+  if (decimali > 4) decimali = 4;
+  Int128 passo = 1;
+  for (int i = decimali; i < 4; ++i) passo *= 10;
+  Int128 d = den * passo;
+  Int128 q = num < 0 ? -num : num;
+  Int128 r = (q * 2 + d) / (2 * d) * passo;  // halves away from zero on the magnitude
+  if (r > static_cast<Int128>(INT64_MAX)) throw std::overflow_error("Importo fuori dai limiti");
+  return Importo::DaRaw(static_cast<int64_t>(num < 0 ? -r : r));
+}
+
 }  // namespace vorn

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "frame/Int128.h"
+
 namespace vorn {
 
 class Importo {
@@ -54,5 +56,10 @@ class Importo {
  private:
   int64_t raw_ = 0;
 };
+
+// numeratore / denominatore, where the quotient is read in ten-thousandths, rounded once to
+// `decimali` places (0..4), halves away from zero: the exact share of a sum. A denominator of
+// 0 gives 0. Throws std::overflow_error when the result does not fit.
+Importo ArrotondaRapporto(Int128 numeratore, Int128 denominatore, int decimali);
 
 }  // namespace vorn

@@ -182,31 +182,13 @@ Data PrimoDelMese(int anno, int mese) {
 
 Importo Imp(const Valore& v) { return NullToZeroCy(v); }
 
-// Rounds num / den (both in ten-thousandths) to `decimali`, halves away from zero.
-Importo RapportoArrotondato(Int128 num, Int128 den, int decimali) {
-  if (den == 0) return Importo();
-  if (den < 0) {
-    num = -num;
-    den = -den;
-  }
-  if (decimali < 0) decimali = 0;
-  if (decimali > 4) decimali = 4;
-  Int128 passo = 1;
-  for (int i = decimali; i < 4; ++i) passo *= 10;
-  Int128 d = den * passo;
-  Int128 q = (num < 0 ? -num : num);
-  Int128 r = (q * 2 + d) / (2 * d);  // halves away from zero on the magnitude
-  r *= passo;
-  return Importo::DaRaw(static_cast<int64_t>(num < 0 ? -r : r));
-}
-
 int Decimali() { return G().DecimaliImporti; }
 
 }  // namespace
 
 Importo QuotaPercentuale(Importo importo, double percentuale, int decimali) {
   Importo p = Importo::DaDouble(percentuale);  // four decimals of percentage are plenty
-  return RapportoArrotondato(static_cast<Int128>(importo.Raw()) * p.Raw(), static_cast<Int128>(100) * 10000,
+  return ArrotondaRapporto(static_cast<Int128>(importo.Raw()) * p.Raw(), static_cast<Int128>(100) * 10000,
                              decimali);
 }
 
@@ -669,10 +651,10 @@ void clsRegistriIva::DistribuisciVentilazione(const std::string& prefisso, Impor
     if (totale != 0) {
       // b = R x m / M; taxable = b / (1 + a/100); tax = taxable x a / 100: each rounded once.
       Int128 num = static_cast<Int128>(corrispettivi.Raw()) * g.base.Raw();
-      b = RapportoArrotondato(num, totale, dec);
+      b = ArrotondaRapporto(num, totale, dec);
       Int128 cento = 100 * Importo::kScala;
-      imponibile = RapportoArrotondato(num * cento, totale * (cento + g.aliquota.Raw()), dec);
-      imposta = RapportoArrotondato(num * g.aliquota.Raw(), totale * (cento + g.aliquota.Raw()), dec);
+      imponibile = ArrotondaRapporto(num * cento, totale * (cento + g.aliquota.Raw()), dec);
+      imposta = ArrotondaRapporto(num * g.aliquota.Raw(), totale * (cento + g.aliquota.Raw()), dec);
     }
     SalvaRecordRegistroIvaCorrispettiviVentilazioneTotali(prefisso, g.codice, Valore(g.aliquota), imponibile, imposta,
                                                           Importo(), Importo(), b);
