@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
 
+#include "frame/Comuni.h"
 #include "frame/FileVorn.h"
 #include "frame/Globali.h"
 #include "frame/Valore.h"
@@ -296,6 +298,29 @@ int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* e
   ImpostaHost(nullptr);
   if (G().ConnessioneGlobale) G().ConnessioneGlobale.reset();
   return rc;
+}
+
+void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, Allinea>>& testata,
+                   const std::vector<std::vector<std::string>>& righe) {
+  std::vector<size_t> larghezza;
+  for (const auto& [t, _] : testata) larghezza.push_back(LunghezzaTesto(t));
+  for (const auto& r : righe)
+    for (size_t i = 0; i < r.size() && i < larghezza.size(); ++i)
+      larghezza[i] = std::max(larghezza[i], LunghezzaTesto(r[i]));
+  auto riga = [&](const std::vector<std::string>& celle) {
+    std::string s;
+    for (size_t i = 0; i < celle.size() && i < larghezza.size(); ++i) {
+      int l = static_cast<int>(larghezza[i]);
+      if (i) s += ' ';
+      s += testata[i].second == Allinea::Destra ? PadDestra(Valore(celle[i]), l) : PadSinistra(Valore(celle[i]), l);
+    }
+    while (!s.empty() && s.back() == ' ') s.pop_back();
+    out << s << '\n';
+  };
+  std::vector<std::string> titoli;
+  for (const auto& [t, _] : testata) titoli.push_back(t);
+  riga(titoli);
+  for (const auto& r : righe) riga(r);
 }
 
 }  // namespace vorn::cli

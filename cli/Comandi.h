@@ -90,6 +90,12 @@ extern const char* const kUsoUscitaStampa;
 // the head and foot of the print plus one line of body; ErroreUso outside minimo..10000.
 int RighePagina(Argomenti& a, int predefinite, int minimo);
 
+// A plain table on the terminal: every column as wide as its widest cell, one blank between
+// columns, the last without trailing blanks.
+enum class Allinea { Sinistra, Destra };
+void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, Allinea>>& testata,
+                   const std::vector<std::vector<std::string>>& righe);
+
 // Runs vorn with the given arguments (argv without the program name).
 int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* err = stderr);
 

@@ -42,33 +42,6 @@ struct Riga {
   std::optional<Importo> imponibileAnno, ivaAnno, imponibilePeriodo, ivaPeriodo;
 };
 
-// Where a cell goes in its column.
-enum class Allinea { Sinistra, Destra };
-
-// The table with every column as wide as its widest cell, one blank between columns, the last
-// column without trailing blanks.
-void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, Allinea>>& testata,
-                   const std::vector<std::vector<std::string>>& righe) {
-  std::vector<size_t> larghezza;
-  for (const auto& [t, _] : testata) larghezza.push_back(LunghezzaTesto(t));
-  for (const auto& r : righe)
-    for (size_t i = 0; i < r.size(); ++i) larghezza[i] = std::max(larghezza[i], LunghezzaTesto(r[i]));
-  auto riga = [&](const std::vector<std::string>& celle) {
-    std::string s;
-    for (size_t i = 0; i < celle.size(); ++i) {
-      int l = static_cast<int>(larghezza[i]);
-      if (i) s += ' ';
-      s += testata[i].second == Allinea::Destra ? PadDestra(Valore(celle[i]), l) : PadSinistra(Valore(celle[i]), l);
-    }
-    while (!s.empty() && s.back() == ' ') s.pop_back();
-    out << s << '\n';
-  };
-  std::vector<std::string> titoli;
-  for (const auto& [t, _] : testata) titoli.push_back(t);
-  riga(titoli);
-  for (const auto& r : righe) riga(r);
-}
-
 int EseguiProgressiviIva(Contesto& ctx) {
   int anno = AnnoOpzione(ctx.args);
   AziendaCli az = LeggiAzienda(ctx.args);
