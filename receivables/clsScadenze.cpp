@@ -398,3 +398,156 @@ bool clsScadenze::AzzeraScadenze() {
 }
 
 }  // namespace vorn
+
+// ---------------------------------------------------------------- payments
+
+namespace vorn {
+
+namespace {
+constexpr const char* kPagamenti = "Scadenziario Pagamenti";
+Valore Numero(const Valore& v) { return Valore(static_cast<long long>(NullToZeroLng(v))); }
+const std::vector<std::string>& ColonnePagamenti() {
+  static const std::vector<std::string> c = [] {
+    std::vector<std::string> v;
+    for (const auto& col : TabellaCatalogoDi(kPagamenti)->colonne) v.push_back(col.nome);
+    return v;
+  }();
+  return c;
+}
+// The registration number as the journal keeps it: five digits.
+Valore Registrazione(const Valore& v) { return Valore(Format(Valore(Trim(v.Testo())), "00000")); }
+}  // namespace
+
+bool clsScadenze::SalvaRecordPagamento(const RecordValori& valori, const Valore& clientID, long hWnd, bool& Cancel) {
+  Cancel = false;
+  ColonneValori colonne = ColonneDaScrivere(valori, ColonnePagamenti(), [](const std::string& nome) {
+    return "Colonna sconosciuta nei pagamenti dello scadenziario: " + nome;
+  });
+  Valore numero, riga;
+  for (auto& [c, v] : colonne) {
+    if (c == "Numero Progressivo") numero = v = Numero(v);
+    if (c == "Riga") riga = v = Valore(std::to_string(NullToZeroLng(v)));
+    if (c == "NumeroRegistrazione" && !Trim(v.Testo()).empty()) v = Registrazione(v);
+  }
+  if (NullToZeroLng(numero) == 0 || NullToZeroLng(riga) == 0)
+    throw ErroreDb(3265, "Un pagamento vuole il numero della scadenza e la riga.");
+  return SalvaRecordProtocollo(*cn, kPagamenti, "[Numero Progressivo] = ? AND [Riga] = ?", {numero, riga}, clientID,
+                               hWnd, Cancel, [&](Recordset& rs, bool) {
+                                 for (const auto& [c, v] : colonne) rs(c) = v;
+                               });
+}
+
+bool clsScadenze::CancellaTuttiRecordsPagamento(const Valore& Numero_progressivo) {
+  cn->Esegui("DELETE FROM [Scadenziario Pagamenti] WHERE [Numero Progressivo] = ?", {Numero(Numero_progressivo)});
+  return true;
+}
+
+bool clsScadenze::CancellaRecordPagamenti(const Valore& Numero_progressivo, const Valore& Riga) {
+  cn->Esegui("DELETE FROM [Scadenziario Pagamenti] WHERE [Numero Progressivo] = ? AND [Riga] = ?",
+             {Numero(Numero_progressivo), Valore(std::to_string(NullToZeroLng(Riga)))});
+  return true;
+}
+
+bool clsScadenze::LocalizzaRecordPagamenti(Recordset& T_, const Valore& Numero_progressivo, const Valore& clientID,
+                                           long hWnd) {
+  return LocalizzaRecordProtocollo(*cn, T_, kPagamenti, "[Numero Progressivo] = ?", {Numero(Numero_progressivo)},
+                                   clientID, hWnd);
+}
+
+int32_t clsScadenze::GetMaxRigaPagamento(const Valore& Numero_progressivo) {
+  return NullToZeroLng(cn->Scalare("SELECT MAX(CAST([Riga] AS INTEGER)) FROM [Scadenziario Pagamenti] WHERE "
+                                   "[Numero Progressivo] = ?",
+                                   {Numero(Numero_progressivo)}));
+}
+
+double clsScadenze::GetImportoPagatoNumeroProgressivo(const Valore& Numero_progressivo) {
+  return NullToZeroCy(cn->Scalare("SELECT SUM([Importo pagato]) FROM [Scadenziario Pagamenti] WHERE [Numero "
+                                  "Progressivo] = ?",
+                                  {Numero(Numero_progressivo)}))
+      .ToDouble();
+}
+
+bool clsScadenze::RiallineaImportoPagatoScadenza(const Valore& Numero_progressivo) {
+  // The sum of the rows, exact, as the instalment's paid amount.
+  Importo somma = NullToZeroCy(cn->Scalare(
+      "SELECT SUM([Importo pagato]) FROM [Scadenziario Pagamenti] WHERE [Numero Progressivo] = ?",
+      {Numero(Numero_progressivo)}));
+  cn->Esegui("UPDATE [Scadenziario] SET [Importo Pagato] = ? WHERE [Numero Progressivo] = ?",
+             {Valore(somma), Numero(Numero_progressivo)});
+  return true;
+}
+
+bool clsScadenze::LocalizzaRecordPagamentiRegistrazione(Recordset& T_, const Valore& numeroRegistrazione,
+                                                        const Valore& clientID, long hWnd) {
+  return LocalizzaRecordProtocollo(*cn, T_, kPagamenti, "[NumeroRegistrazione] = ?",
+                                   {Registrazione(numeroRegistrazione)}, clientID, hWnd);
+}
+
+bool clsScadenze::CancellaRecordPagamentiRegistrazione(const Valore& numeroRegistrazione, int64_t& recordsAffected) {
+  recordsAffected = cn->Esegui("DELETE FROM [Scadenziario Pagamenti] WHERE [NumeroRegistrazione] = ?",
+                               {Registrazione(numeroRegistrazione)});
+  return true;
+}
+
+bool clsScadenze::ExistsPagamentiRegistrazione(const Valore& numeroRegistrazione) {
+  return NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Scadenziario Pagamenti] WHERE [NumeroRegistrazione] = ?",
+                                   {Registrazione(numeroRegistrazione)})) > 0;
+}
+
+namespace {
+// The five reasons an instalment may no longer change, as the user reads them.
+bool Bloccata(const std::vector<Valore>& v, std::string& stato) {
+  // v: Importo Pagato, Distinta, Emesso, Flag Unificata, Contabilizzato
+  bool b = false;
+  auto prova = [&](bool c, const char* testo) {
+    if (!c) return;
+    b = true;
+    stato += testo;
+  };
+  prova(!NullToZeroCy(v[0]).Zero(), "- Scadenza parzialmente o totalmente pagata.");
+  prova(v[1].Vero(), "- Scadenza presentata in distinta.");
+  prova(v[2].Vero(), "- Scadenza emessa.");
+  prova(NullToZeroLng(v[3]) != 0, "- Scadenza unificata.");
+  prova(v[4].Vero(), "- Scadenza contabilizzata.");
+  return b;
+}
+const char* kStato = "SELECT [Importo Pagato], [Distinta], [Emesso], [Flag Unificata], [Contabilizzato] FROM [Scadenziario] ";
+}  // namespace
+
+bool clsScadenze::IsScadenzaBloccata(const Valore& Numero_progressivo, std::string& strStato) {
+  bool b = false;
+  cn->Scorri(std::string(kStato) + "WHERE [Numero Progressivo] = ?", {Numero(Numero_progressivo)},
+             [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
+               b = Bloccata(v, strStato);
+               return false;
+             });
+  return b;
+}
+
+bool clsScadenze::IsScadenzeDocumentoBloccate(const Valore& tipo, const Valore& Codice_Cliente,
+                                              const Valore& DataDocumento, const Valore& Serie,
+                                              const Valore& NumeroDocumento, std::string& strStato) {
+  bool b = false;
+  FiltroCodice f = FiltraCodice("[tipo]", tipo);
+  f.Parte("[Codice Cliente]", Codice_Cliente).Parte("[Serie]", Serie);
+  f.E("[Numero Documento] = ?", {Numero(NumeroDocumento)});
+  f.E("[Data Documento] = ?", {DataIngresso(DataDocumento)});
+  cn->Scorri(std::string(kStato) + "WHERE " + f.where + " ORDER BY [Data Scadenza]", f.p,
+             [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
+               if (Bloccata(v, strStato)) b = true;
+               return !b;
+             });
+  return b;
+}
+
+bool clsScadenze::EffettoCollegatoADistinta(const Valore& Numero_progressivo) {
+  return NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Distinte Righe] WHERE [Numero Progressivo] = ?",
+                                   {Numero(Numero_progressivo)})) > 0;
+}
+
+bool clsScadenze::AzzeraScadenzePagamenti() {
+  cn->Esegui("DELETE FROM [Scadenziario Pagamenti]");
+  return true;
+}
+
+}  // namespace vorn

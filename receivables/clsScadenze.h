@@ -83,6 +83,31 @@ class clsScadenze {
   bool RecordSuccessivo(Valore& Numero_progressivo);
   bool RecordPrecedente(Valore& Numero_progressivo);
   bool AzzeraScadenze();
+
+  // ---- payments: [Scadenziario Pagamenti], rows 1, 2... of an instalment. [Importo Pagato]
+  // of the instalment is the sum of its rows (RiallineaImportoPagatoScadenza restores it).
+  // The payment's row by the columns of [Scadenziario Pagamenti] (unknown names refused before
+  // any write): added or replaced, with its writer's stamp.
+  bool SalvaRecordPagamento(const RecordValori& valori, const Valore& clientID, long hWnd, bool& Cancel);
+  bool CancellaTuttiRecordsPagamento(const Valore& Numero_progressivo);
+  bool CancellaRecordPagamenti(const Valore& Numero_progressivo, const Valore& Riga);
+  bool LocalizzaRecordPagamenti(Recordset& T, const Valore& Numero_progressivo, const Valore& clientID, long hWnd);
+  // The highest row of an instalment, 0 with none (rows compared as numbers).
+  int32_t GetMaxRigaPagamento(const Valore& Numero_progressivo);
+  double GetImportoPagatoNumeroProgressivo(const Valore& Numero_progressivo);
+  bool RiallineaImportoPagatoScadenza(const Valore& Numero_progressivo);
+  bool LocalizzaRecordPagamentiRegistrazione(Recordset& T, const Valore& numeroRegistrazione, const Valore& clientID,
+                                             long hWnd);
+  bool CancellaRecordPagamentiRegistrazione(const Valore& numeroRegistrazione, int64_t& recordsAffected);
+  bool ExistsPagamentiRegistrazione(const Valore& numeroRegistrazione);
+  // True when the instalment may no longer change: paid in part or whole, in a remittance
+  // list, issued, unified or posted; each reason is appended to strStato.
+  bool IsScadenzaBloccata(const Valore& Numero_progressivo, std::string& strStato);
+  // True when any instalment of the document is so.
+  bool IsScadenzeDocumentoBloccate(const Valore& tipo, const Valore& Codice_Cliente, const Valore& DataDocumento,
+                                   const Valore& Serie, const Valore& NumeroDocumento, std::string& strStato);
+  bool EffettoCollegatoADistinta(const Valore& Numero_progressivo);
+  bool AzzeraScadenzePagamenti();
 };
 
 }  // namespace vorn

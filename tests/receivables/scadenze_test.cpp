@@ -4,6 +4,7 @@
 
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
+#include "receivables/clsSaldaconto.h"
 #include "receivables/clsScadenze.h"
 #include "support/Azienda.h"
 
@@ -188,6 +189,63 @@ TEST_P(ScadenzeTest, NumeriDalServizioDiNumerazione) {
   Valore k(0);
   ASSERT_TRUE(s.RecordSuccessivo(k));
   EXPECT_EQ(NullToZeroLng(k), 40);
+}
+
+TEST_P(ScadenzeTest, PagamentiESaldaconto) {
+  bool cancel = false;
+  for (int k : {1, 2, 3}) {
+    RecordValori r = {{"tipo", Valore("CL")},
+                      {"Codice Cliente", Valore("C1")},
+                      {"Numero Documento", Valore(7)},
+                      {"Data Documento", Valore(D(10, 1, 2024))},
+                      {"Data Scadenza", Valore(D(28 - k, 2, 2024))},
+                      {"Importo Scadenza", Valore(I("100.00"))},
+                      {"Importo Pagato", Valore(I("0"))},
+                      {"Flag Unificata", Valore(k == 3 ? 2 : 0)}};
+    ASSERT_TRUE(s.SalvaRecord(r, Valore("prova"), 1, cancel));
+  }
+  clsSaldaconto sc;
+  sc.cn = cn;
+  auto aperte = [&] {
+    Recordset rs;
+    sc.LocalizzaScadenzeSaldaconto(rs, Valore("C"), Valore("C1"), Valore(), Valore(), Valore(), Valore(), Valore(),
+                                   Valore(), Valore());
+    std::vector<long> n;
+    for (; !rs.Eof(); rs.MoveNext()) n.push_back(NullToZeroLng(rs("Numero Progressivo").Value()));
+    return n;
+  };
+  // The unified one (flag 2) never shows; the rest by due date: 2 (the 25th) before 1 (the 26th).
+  EXPECT_EQ(aperte(), (std::vector<long>{2, 1}));
+  // Two payments on one instalment take rows 1 and 2; paid in full it leaves the list.
+  ASSERT_TRUE(sc.ChiudiScadenza(Valore(1), Valore(I("60.00")), Valore("12"), Valore(D(1, 3, 2024)), Valore("Bonifico"),
+                                true, &s, Valore("prova"), 1));
+  ASSERT_TRUE(sc.ChiudiScadenza(Valore(1), Valore(I("40.00")), Valore("13"), Valore(D(2, 3, 2024)), Valore("Bonifico"),
+                                true, &s, Valore("prova"), 1));
+  EXPECT_EQ(s.GetMaxRigaPagamento(Valore(1)), 2);
+  EXPECT_EQ(aperte(), (std::vector<long>{2}));
+  EXPECT_EQ(Trim(cn->Scalare("SELECT [NumeroRegistrazione] FROM [Scadenziario Pagamenti] WHERE [Riga] = '1'").Testo()),
+            "00012");
+  // An allowance taken back lowers the paid amount.
+  ASSERT_TRUE(sc.ChiudiScadenza(Valore(1), Valore(I("-5.00")), Valore("14"), Valore(D(3, 3, 2024)), Valore("Storno"),
+                                true, &s, Valore("prova"), 1));
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo Pagato] FROM [Scadenziario] WHERE [Numero Progressivo] = 1")),
+            I("95.00"));
+  // A paid amount that drifted from its rows is realigned to their sum.
+  cn->Esegui("UPDATE [Scadenziario] SET [Importo Pagato] = 0 WHERE [Numero Progressivo] = 1");
+  s.RiallineaImportoPagatoScadenza(Valore(1));
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo Pagato] FROM [Scadenziario] WHERE [Numero Progressivo] = 1")),
+            I("95.00"));
+  std::string stato;
+  EXPECT_TRUE(s.IsScadenzaBloccata(Valore(1), stato));
+  EXPECT_EQ(stato, "- Scadenza parzialmente o totalmente pagata.");
+  stato.clear();
+  EXPECT_FALSE(s.IsScadenzaBloccata(Valore(2), stato));
+  EXPECT_TRUE(s.IsScadenzeDocumentoBloccate(Valore("CL"), Valore("C1"), Valore(D(10, 1, 2024)), Valore(""), Valore(7),
+                                            stato));
+  // An unknown instalment: a message, nothing written.
+  EXPECT_FALSE(sc.ChiudiScadenza(Valore(99), Valore(I("1")), Valore("1"), Valore(D(1, 3, 2024)), Valore(""), true, &s,
+                                 Valore("prova"), 1));
+  EXPECT_EQ(host->Ultimo(), "Impossibile trovare la scadenza con progressivo 99");
 }
 
 VORN_SU_DUE_MOTORI(ScadenzeTest);
