@@ -282,7 +282,7 @@ TEST_P(ModelloTest, VatCodesAndPaymentTermsCoverTheUsualCases) {
     EXPECT_EQ(rs("p").Value().ComeDouble().value_or(-1), 0.0);
   }
   EXPECT_EQ(Insieme(*cn, "SELECT DISTINCT [Tipo Pagamento] FROM [Pagamenti]"),
-            (std::set<std::string>{"BO", "CO", "RB", "RD"}));
+            (std::set<std::string>{"AB", "BO", "CO", "RB", "RD", "RI", "TR"}));
   // The 30/60/90 bank receipts: three instalments, a month apart, from the end of the month.
   auto r = cn->Execute("SELECT * FROM [Pagamenti] WHERE [Numero Rate] = 3");
   ASSERT_FALSE(r.Eof());
