@@ -10,6 +10,7 @@
 #include "frame/Globali.h"
 #include "frame/Host.h"
 #include "frame/VornServer.h"
+#include "masterdata/clsPagamenti.h"
 
 namespace vorn {
 
@@ -56,13 +57,7 @@ bool clsScadenze::Multiplo30(const Valore& giorni) {
 }
 
 std::string clsScadenze::GetDesTipoPagamento(const Valore& a_varTipo) {
-  static const std::map<std::string, std::string> k = {
-      {"RD", "Rimessa diretta"}, {"CO", "Contanti"},      {"RB", "Ric.Bancaria"}, {"TR", "Tratta"},
-      {"AB", "Avviso banc."},    {"CE", "Cessioni"},      {"BO", "Bonifico"},     {"AC", "Assegno Cir."},
-      {"CT", "Contrassegno"},    {"RI", "R.I.D."},        {"AS", "Assegno banc."}, {"CP", "Carta Pagam."},
-      {"GR", "Giroconto"},       {"TT", "Trattenute"},    {"PA", "PagoPA"}};
-  auto i = k.find(T(a_varTipo));
-  return i == k.end() ? "" : i->second;
+  return clsPagamenti::GetDesTipoPagamento(a_varTipo);
 }
 
 bool clsScadenze::GeneraScadenze(std::vector<std::string>& righe, long& indice, const DocumentoScadenze& d) {
