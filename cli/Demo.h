@@ -1,7 +1,8 @@
 // The demo company of vorn demo: clients, suppliers and a year of journal entries, made up from a
 // starting number (--seme) so that the same options always give the same books; then the steps
 // that show what the books give, one capability a step, each registered from a file of its own
-// (demo_*.cpp): the trial balance of the sub-accounts, a ledger card, the VAT registers.
+// (demo_*.cpp): the trial balance of the sub-accounts, a ledger card, the VAT registers, the VAT
+// settlements.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -13,6 +14,7 @@
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Importo.h"
+#include "vat/clsLiquidazioneIva.h"
 
 namespace vorn {
 class FormConsole;
@@ -36,8 +38,10 @@ struct EsitoDemo {
 
 // Fills a company loaded from the standard model: the company's identity, the clients and
 // suppliers, then the entries of the year in date order: the opening, sales and purchase
-// invoices and credit notes with their VAT rows, receipts and payments of open invoices, giro
-// entries, and each month's VAT settlement with its payment. Every row goes through
+// invoices and credit notes with their VAT rows (an intra-community purchase integrated on the
+// sales register too), receipts and payments of open invoices, giro entries, and each month's
+// VAT settlement with its payment, in the figures of the settlement of the registers (a credit
+// and a debt not above the minimum payment carried to the next month). Every row goes through
 // clsPrimaNota::SalvaRecord, a batch of entries to a transaction; the form shows each entry.
 // Throws on a database error, the batch in progress undone.
 EsitoDemo RiempiAziendaDemo(Connessione& cn, const OpzioniDemo& o, IForm* form = nullptr);
@@ -55,8 +59,16 @@ std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(Connessione& cn);
 // The trial balance as text: a heading, one line a sub-account, the totals.
 std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe);
 
+// A month's VAT settlement as the demo ran it.
+struct LiquidazioneDemo {
+  int mese = 0;
+  bool bollata = false;  // definitive, from the progressives of the definitive register prints
+  EsitoLiquidazioneIva esito;
+  std::string file;
+};
+
 // What the steps of the demo share: the filled company, its year, where they tell what they did,
-// and the files they wrote, in the order written.
+// the files they wrote, in the order written, and the settlements run so far, by month.
 struct ContestoDemo {
   std::shared_ptr<Connessione> cn;  // the company, open for writing
   std::string azienda;              // its file, as the user named it
@@ -65,6 +77,7 @@ struct ContestoDemo {
   std::ostream& out;
   FormConsole* form = nullptr;  // the progress line; none in the tests
   std::vector<std::string> fileScritti;
+  std::vector<LiquidazioneDemo> liquidazioni;
   int Anno() const { return opzioni.anno; }
   // Ends the progress line before a step writes to `out`.
   void FineProgresso();
@@ -86,5 +99,11 @@ struct RegistraPassoDemo {
 std::vector<PassoDemo> PassiDemo();
 // Runs every step on the context, in order.
 void EseguiPassiDemo(ContestoDemo& ctx);
+
+// The month's definitive VAT settlement (LiquidazioneIvaBollata "B", its sheets numbered), added
+// to ctx.liquidazioni. The registers step runs it as soon as it has printed the month's registers
+// definitively: the settlement reads the period's progressives, which the next month's definitive
+// prints would add to. Throws when the settlement is not completed.
+void LiquidazioneIvaBollataDemo(ContestoDemo& ctx, int mese);
 
 }  // namespace vorn::cli

@@ -10,6 +10,7 @@
 
 #include "cli/Comandi.h"
 #include "cli/Demo.h"
+#include "company/clsImportiFissi.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Schema.h"
@@ -59,6 +60,9 @@ class Casuale {
 };
 
 Importo Euro(int64_t centesimi) { return Importo::DaRaw(centesimi * 100); }
+
+// The series of the sales register under which the intra-community purchases are integrated.
+const char* const kSerieIntegrazioni = "INT";
 
 struct Luogo {
   const char* citta;
@@ -188,6 +192,7 @@ struct Documento {
   Data data;
   std::string causale, descrizione;
   std::string tipoRegistro = "0";
+  std::string serie;  // of the document's number: the intra integrations number apart from the invoices
   long numero = 0, protocollo = 0;
   Data dataDocumento;
   int64_t totale = 0;
@@ -224,7 +229,7 @@ class Registratore {
     if (conIva) {
       base["DataDocumento"] = Valore(d.dataDocumento);
       base["NumeroDocumento"] = static_cast<long long>(d.numero);
-      base["SerieDocumento"] = "";
+      base["SerieDocumento"] = d.serie;
       base["NumeroDiProtocollo"] = static_cast<long long>(d.protocollo);
       base["TotaleDocumento"] = Euro(d.totale);
       base["DataCompetenzaIVA"] = Valore(d.data);
@@ -256,23 +261,24 @@ class Registratore {
       v["CodiceCliFor"] = d.soggetto ? d.soggetto->codice : std::string();
       Salva(v, cancel);
     }
-    ultimo_[d.tipoRegistro] = {numero, d};
+    ultimo_[{d.tipoRegistro, d.serie}] = {numero, d};
     ++registrazioni_;
     if (form_) form_->msgbar("Registrazione " + numero + " del " + d.data.Testo());
     if (++nelLotto_ >= lotto_) Chiudi();
   }
 
-  // Ends the batch: the register counters from the last entry of each register, then commit.
+  // Ends the batch: the register counters from the last entry of each register and series, then
+  // commit.
   void Chiudi() {
     if (!cn_.InTransazione()) return;
     // The counters keep the highest number, so the last entry of each register in the batch
     // leaves them as a call per entry would; the number of the last entry goes last.
-    for (const auto& [tipo, u] : ultimo_) {
+    for (const auto& [registro, u] : ultimo_) {
       const Documento& d = u.second;
-      if (tipo == "0") continue;
-      pn_.AggiornaProgressiviPrimaNota(u.first, Valore(d.data), tipo, "01", "", static_cast<long long>(d.numero),
-                                       Valore(d.dataDocumento), static_cast<long long>(d.protocollo),
-                                       Valore("demo"), 0);
+      if (registro.first == "0") continue;
+      pn_.AggiornaProgressiviPrimaNota(u.first, Valore(d.data), registro.first, "01", registro.second,
+                                       static_cast<long long>(d.numero), Valore(d.dataDocumento),
+                                       static_cast<long long>(d.protocollo), Valore("demo"), 0);
     }
     pn_.AggiornaNumeroUltimaRegistrazione(static_cast<long long>(numero_), Valore("demo"), 0);
     ultimo_.clear();
@@ -301,7 +307,8 @@ class Registratore {
   long numero_ = 0;
   long registrazioni_ = 0, righe_ = 0;
   int nelLotto_ = 0;
-  std::map<std::string, std::pair<std::string, Documento>> ultimo_;
+  // By register and series: the entry's number and its document.
+  std::map<std::pair<std::string, std::string>, std::pair<std::string, Documento>> ultimo_;
 };
 
 // The tax in cents of a taxable amount in cents at a rate of the VAT table; half a cent and up
@@ -334,6 +341,14 @@ class Generatore {
   EsitoDemo Esegui() {
     for (auto rs = cn_.Execute("SELECT [Codice Iva], [Aliquota] FROM [Codici Iva]"); !rs.Eof(); rs.MoveNext())
       aliquote_[Trim(rs(0).Value().Testo())] = NullToZeroCy(rs(1).Value());
+    {
+      clsImportiFissi fissi;
+      fissi.cn = cn_.shared_from_this();
+      double percAcconto = 0;
+      Importo minimoAcconto, minimoVersamento;
+      if (fissi.GetImportiFissiLiquidazioneIva(percAcconto, minimoAcconto, minimoVersamento))
+        minimoVersamento_ = minimoVersamento.Raw() / (Importo::kScala / 100);
+    }
     {
       Atomico tx(cn_);
       Anagrafica();
@@ -398,27 +413,36 @@ class Generatore {
     Registra(d, righe, {});
   }
 
-  // The settlement of each month that has ended, and the payment of the VAT owed on the 16th.
+  // What falls due up to `giorno`, in date order: on the 16th of a month the VAT settled for the
+  // month before and the staff's withholdings are paid; at its end the month is settled.
   void Calendario(const Data& giorno) {
-    while (mese_ < giorno.Mese()) {
+    for (;;) {
+      Versamenti(giorno);
+      if (mese_ >= giorno.Mese()) return;
       Liquidazione(Data::Crea(o_.anno, mese_ + 1, 1)->AggiungiGiorni(-1));
       ++mese_;
     }
-    if (daVersare_ > 0 && giorno >= *Data::Crea(o_.anno, mese_, 16)) {
+  }
+
+  // The payments of the 16th of the current month, once `giorno` has reached it.
+  void Versamenti(const Data& giorno) {
+    const Data sedici = *Data::Crea(o_.anno, mese_, 16);
+    if (giorno < sedici) return;
+    if (daVersare_ > 0) {
       Documento d;
-      d.data = *Data::Crea(o_.anno, mese_, 16);
+      d.data = sedici;
       d.causale = "VIV";
       d.descrizione = "Versamento IVA " + Format(Valore(mese_ - 1), "00");
       Registra(d, {{"D", "1401005", daVersare_}, {"A", "0701001", daVersare_}}, {});
       daVersare_ = 0;
     }
-    if (mese_ > ritenuteVersate_ && giorno >= *Data::Crea(o_.anno, mese_, 16)) {
+    if (mese_ > ritenuteVersate_) {
       // Withholdings and contributions of the staff, paid with the same form.
       ritenuteVersate_ = mese_;
       int64_t ritenute = -Saldo("1402002"), contributi = -Saldo("1404001");
       if (ritenute > 0 && contributi > 0) {
         Documento d;
-        d.data = *Data::Crea(o_.anno, mese_, 16);
+        d.data = sedici;
         d.causale = "VRT";
         d.descrizione = "Versamento F24 " + Format(Valore(mese_ - 1), "00");
         Registra(d, {{"D", "1402002", ritenute}, {"D", "1404001", contributi}, {"A", "0701001", ritenute + contributi}},
@@ -427,29 +451,43 @@ class Generatore {
     }
   }
 
-  // The VAT accounts of the month closed against the treasury's account: what the month owes
-  // is paid on the 16th of the next one, the December balance is left for the next year.
+  // The month's VAT settlement, with the figures of the settlement of the registers: the VAT of
+  // the sales (that of split payment has already left 1401001 through the giro entries) less the
+  // deductible VAT of the purchases (intra-community ones included, integrated on the sales
+  // side), less the credit carried from the month before, plus the debt carried when it did not
+  // exceed the minimum payment. The month's VAT accounts close into the treasury's: a credit
+  // stays in 0601006 for the next month, a debt goes to 1401005 and is paid on the 16th of the
+  // next month when above the minimum, otherwise carried to the next settlement. December's
+  // debt is paid the next year. The split-payment account 1401006 is always back to nothing
+  // after each giro entry, and the demo posts nothing on the other VAT accounts of the model
+  // (receipts, reverse charge).
   void Liquidazione(const Data& fine) {
     if (!liquidato_.insert(fine.Mese()).second) return;
-    static const std::vector<std::string> contiIva = {"1401001", "0601001", "0601002"};
+    const int64_t vendite = -Saldo("1401001"), acquisti = Saldo("0601001"), intra = Saldo("0601002");
+    const int64_t saldo = vendite - acquisti - intra - creditoRiportato_ + debitoRiportato_;
+    const int64_t credito = saldo < 0 ? -saldo : 0, debito = saldo > 0 ? saldo : 0;
     std::vector<Riga> righe;
-    int64_t netto = 0;  // debit positive: a credit towards the treasury
-    for (const auto& conto : contiIva) {
-      int64_t s = Saldo(conto);
-      if (s > 0) righe.push_back({"A", conto, s});
-      if (s < 0) righe.push_back({"D", conto, -s});
-      netto += s;
+    // A row that moves `conto` by `dare` (debit positive).
+    auto muovi = [&](const char* conto, int64_t dare) {
+      if (dare > 0) righe.push_back({"D", conto, dare});
+      if (dare < 0) righe.push_back({"A", conto, -dare});
+    };
+    muovi("1401001", vendite);
+    muovi("0601001", -acquisti);
+    muovi("0601002", -intra);
+    muovi("0601006", credito - creditoRiportato_);
+    muovi("1401005", debitoRiportato_ - debito);
+    if (!righe.empty()) {
+      Documento d;
+      d.data = fine;
+      d.causale = "LIQ";
+      d.descrizione = "Liquidazione IVA " + Format(Valore(fine.Mese()), "00");
+      Registra(d, righe, {});
     }
-    if (righe.empty()) return;
-    if (netto > 0) righe.push_back({"D", "1401005", netto});
-    if (netto < 0) righe.push_back({"A", "1401005", -netto});
-    Documento d;
-    d.data = fine;
-    d.causale = "LIQ";
-    d.descrizione = "Liquidazione IVA " + Format(Valore(fine.Mese()), "00");
-    Registra(d, righe, {});
-    int64_t dovuto = -Saldo("1401005");
-    daVersare_ = fine.Mese() < 12 && dovuto > 0 ? dovuto : 0;
+    creditoRiportato_ = credito;
+    const bool sottoMinimo = debito > 0 && debito <= minimoVersamento_;
+    debitoRiportato_ = sottoMinimo ? debito : 0;
+    daVersare_ = fine.Mese() < 12 && !sottoMinimo ? debito : 0;
   }
 
   void Una(const Data& giorno) {
@@ -512,7 +550,7 @@ class Generatore {
     if (c.codiceIva == "S22")
       for (const auto& v : iva) splitPayment += v.imposta;
     if (notaCredito) {
-      c.aperte.front().centesimi -= totale;
+      c.aperte.front().centesimi -= totale - splitPayment;
       if (c.aperte.front().centesimi <= 0) c.aperte.pop_front();
     } else {
       c.aperte.push_back({totale - splitPayment, d.numero});
@@ -522,13 +560,16 @@ class Generatore {
       Documento g = d;
       g.causale = "SPL";
       g.tipoRegistro = "0";
-      g.descrizione = "Split payment ft. " + std::to_string(d.numero);
-      // The VAT of the invoice is not owed: it leaves the sales VAT through the split-payment account.
+      g.descrizione = "Split payment " + std::string(notaCredito ? "n.c. " : "ft. ") + std::to_string(d.numero);
+      // The VAT of the document is not the client's: it leaves the sales VAT through the
+      // split-payment account, the other way round for a credit note.
+      const char* dare = notaCredito ? "A" : "D";
+      const char* avere = notaCredito ? "D" : "A";
       Registra(g,
-               {{"D", "1401006", splitPayment},
-                {"A", c.sottoconto, splitPayment, &c, 'C'},
-                {"D", "1401001", splitPayment},
-                {"A", "1401006", splitPayment}},
+               {{dare, "1401006", splitPayment},
+                {avere, c.sottoconto, splitPayment, &c, 'C'},
+                {dare, "1401001", splitPayment},
+                {avere, "1401006", splitPayment}},
                {});
     }
   }
@@ -558,8 +599,10 @@ class Generatore {
     int64_t imponibile = 0, imposta = 0;
     for (const auto& [conto, imp] : conti) imponibile += imp;
     for (const auto& v : iva) imposta += v.imposta;
-    // An intra-community supplier invoices no VAT: the company adds it in both registers.
-    int64_t totale = intra ? imponibile : imponibile + imposta;
+    // The invoice as the company integrates it: an intra-community supplier invoices no VAT, the
+    // company adds it here and in the sales register (below), so that the supplier is owed the
+    // taxable amount only.
+    int64_t totale = imponibile + imposta;
 
     Documento d;
     d.data = giorno;
@@ -575,14 +618,30 @@ class Generatore {
     std::vector<Riga> righeConti;
     for (const auto& [conto, imp] : conti) righeConti.push_back({notaCredito ? "A" : "D", conto, imp});
     righeConti.push_back({notaCredito ? "D" : "A", f.sottoconto, totale, &f, 'F'});
-    if (intra && imposta > 0) righeConti.push_back({"A", "1401001", imposta});  // the sales-side integration
     Registra(d, righeConti, iva);
 
+    int64_t dovuto = totale;
+    if (intra && imposta > 0) {
+      // The integration of the VAT on the sales register, numbered apart from the invoices: the
+      // same tax is due and deductible, and the settlement finds it on both sides.
+      Documento g = d;
+      g.causale = "AVI";
+      g.tipoRegistro = "1";
+      g.serie = kSerieIntegrazioni;
+      g.numero = ++numeroIntegrazioni_;
+      g.protocollo = 0;
+      g.dataDocumento = giorno;
+      g.descrizione = "Integrazione IVA ft. " + std::to_string(d.numero);
+      std::vector<RigaIva> vendite;
+      for (const auto& v : iva) vendite.push_back({"A", "1401001", v.codiceIva, v.imponibile, v.imposta});
+      Registra(g, {{"D", f.sottoconto, imposta, &f, 'F'}}, vendite);
+      dovuto -= imposta;
+    }
     if (notaCredito) {
-      f.aperte.front().centesimi -= totale;
+      f.aperte.front().centesimi -= dovuto;
       if (f.aperte.front().centesimi <= 0) f.aperte.pop_front();
     } else {
-      f.aperte.push_back({totale, d.numero});
+      f.aperte.push_back({dovuto, d.numero});
     }
   }
 
@@ -692,10 +751,13 @@ class Generatore {
   Casuale r_;
   Registratore reg_;
   std::vector<Soggetto> clienti_, fornitori_;
-  long numeroVendite_ = 0, protocollo_ = 0;
+  long numeroVendite_ = 0, protocollo_ = 0, numeroIntegrazioni_ = 0;
   int mese_ = 1, ritenuteVersate_ = 1;
   std::set<int> liquidato_;
   int64_t daVersare_ = 0;
+  // What the last settlement carried: a credit, or a debt not above the minimum payment.
+  int64_t creditoRiportato_ = 0, debitoRiportato_ = 0;
+  int64_t minimoVersamento_ = 0;  // ImportoMinLiqIva of the fixed amounts
   std::map<std::string, int64_t> saldi_;
   std::map<std::string, Importo> aliquote_;
 };
@@ -789,7 +851,7 @@ int Demo(Contesto& ctx) {
   }
   ctx.form.Fine();
 
-  ContestoDemo passi{db->cn, az.file, o, esito, ctx.out, &ctx.form, {}};
+  ContestoDemo passi{db->cn, az.file, o, esito, ctx.out, &ctx.form, {}, {}};
   EseguiPassiDemo(passi);
   ctx.form.Fine();
   db->DisconnettiDatabase();
@@ -803,8 +865,12 @@ const char* const kUsoDemo =
     "pagamenti, giroconti, liquidazioni e versamenti IVA). Con lo stesso seme e le stesse opzioni\n"
     "l'azienda è sempre la stessa. Poi stampa il bilancio di verifica dei sottoconti e scrive,\n"
     "sotto la cartella dell'applicazione (Temp), la sua stampa impaginata, il mastrino dei clienti\n"
-    "Italia e i registri IVA vendite e acquisti di ogni mese (Temp/RegistriIva): il primo\n"
-    "trimestre bollato, con i fogli numerati, gli altri mesi in prova.\n\n"
+    "Italia, i registri IVA vendite e acquisti di ogni mese (Temp/RegistriIva: il primo\n"
+    "trimestre bollato, con i fogli numerati, gli altri mesi in prova) e le liquidazioni IVA dei\n"
+    "dodici mesi (Temp/LiquidazioniIva: gennaio-marzo bollate, ognuna subito dopo la stampa\n"
+    "definitiva dei registri del mese, gli altri mesi in simulazione), con una tabella dell'IVA a\n"
+    "debito o a credito e da versare di ogni mese, confrontata con le liquidazioni e i versamenti\n"
+    "IVA che la demo ha registrato.\n\n"
     "  --seme N            il seme dei dati (1)\n"
     "  --clienti N         quanti clienti (40)\n"
     "  --fornitori N       quanti fornitori (25)\n"

@@ -1,7 +1,8 @@
 // The demo's VAT registers: the sales and the purchases register of every month of the year,
 // the first quarter printed definitively with numbered sheets (the progressives, the date of the
 // last print and the printed marks of the journal move as the client's definitive print moves
-// them), the other months as trials.
+// them), each of those months followed by its definitive settlement before the next month is
+// printed; the other months as trials.
 #include <ostream>
 #include <stdexcept>
 
@@ -46,6 +47,7 @@ void Passo(ContestoDemo& ctx) {
       ++stampe;
       if (mese == 1 && std::string(t.tipo) == registro_iva::kVendite) venditeGennaio = a.nomeFile;
     }
+    if (mese <= kMesiBollati) LiquidazioneIvaBollataDemo(ctx, mese);
   }
   ctx.FineProgresso();
   ctx.out << "Registri IVA: " << stampe << " stampe in " << cartella

@@ -1,5 +1,6 @@
-// The steps of vorn demo on a small demo company: their order, what each tells, and the VAT
-// registers of the year, the first quarter definitive and the rest trials.
+// The steps of vorn demo on a small demo company: their order, what each tells, the VAT registers
+// of the year, the first quarter definitive and the rest trials, and the VAT settlements of the
+// year against the settlements and payments that the demo posted.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -42,16 +43,17 @@ TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
   o.lotto = 90;
   auto esito = cli::RiempiAziendaDemo(*cn, o);
 
-  // The three steps of today, in this order, whatever else is registered around them.
+  // The four steps of today, in this order, whatever else is registered around them.
   std::vector<std::string> nomi;
   for (const auto& p : cli::PassiDemo()) nomi.push_back(p.nome);
   auto posizione = [&](const std::string& n) { return std::find(nomi.begin(), nomi.end(), n) - nomi.begin(); };
-  ASSERT_LT(posizione("registri IVA"), static_cast<long>(nomi.size()));
+  ASSERT_LT(posizione("liquidazioni IVA"), static_cast<long>(nomi.size()));
   EXPECT_LT(posizione("bilancio di verifica"), posizione("mastrino dei clienti"));
   EXPECT_LT(posizione("mastrino dei clienti"), posizione("registri IVA"));
+  EXPECT_LT(posizione("registri IVA"), posizione("liquidazioni IVA"));
 
   std::ostringstream out;
-  cli::ContestoDemo ctx{cn, "azienda.db", o, esito, out, nullptr, {}};
+  cli::ContestoDemo ctx{cn, "azienda.db", o, esito, out, nullptr, {}, {}};
   cli::EseguiPassiDemo(ctx);
   const std::string testo = out.str();
   const std::string stampe = dir->Percorso() + "/Temp";
@@ -63,26 +65,33 @@ TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
   size_t registri = testo.find("Registri IVA: 24 stampe in " + cartella + " (");
   const std::string gennaio = cartella + "/RegistroIvaVendite01_202401.txt";
   size_t vendite = testo.find("\nRegistro IVA vendite di gennaio: " + gennaio + "\n");
+  size_t liquidazioni = testo.find("\nLiquidazioni IVA del 2024 in " + stampe + "/LiquidazioniIva (");
   ASSERT_NE(bilancio, std::string::npos) << testo;
   ASSERT_NE(mastrino, std::string::npos) << testo;
   ASSERT_NE(registri, std::string::npos) << testo;
   ASSERT_NE(vendite, std::string::npos) << testo;
   EXPECT_LT(bilancio, mastrino);
   EXPECT_LT(mastrino, registri);
-  EXPECT_EQ(testo.find('\n', vendite + 1), testo.size() - 1) << "the last line";
+  // The settlements follow the registers at once.
+  EXPECT_EQ(testo.find('\n', vendite + 1), liquidazioni) << testo;
 
-  // Every file the steps wrote is listed once and is there: the two prints and 24 registers,
-  // sales and purchases of each month.
-  ASSERT_EQ(ctx.fileScritti.size(), 26u);
+  // Every file the steps wrote is listed once and is there: the two prints, 24 registers, sales
+  // and purchases of each month, and 12 settlements.
+  ASSERT_EQ(ctx.fileScritti.size(), 38u);
   EXPECT_EQ(ctx.fileScritti[0], stampe + "/BilancioVerificaDemo.txt");
   EXPECT_EQ(ctx.fileScritti[1], stampe + "/MastrinoClientiDemo.txt");
   EXPECT_EQ(ctx.fileScritti[2], gennaio);
-  for (int mese = 1; mese <= 12; ++mese)
+  for (int mese = 1; mese <= 12; ++mese) {
+    const std::string mm = (mese < 10 ? "0" : "") + std::to_string(mese);
     for (const char* tipo : {"Vendite", "Acquisti"}) {
-      std::string f = cartella + "/RegistroIva" + tipo + "01_2024" + (mese < 10 ? "0" : "") + std::to_string(mese) + ".txt";
+      std::string f = cartella + "/RegistroIva" + tipo + "01_2024" + mm + ".txt";
       EXPECT_EQ(std::count(ctx.fileScritti.begin(), ctx.fileScritti.end(), f), 1) << f;
       EXPECT_TRUE(fs::exists(f)) << f;
     }
+    std::string f = stampe + "/LiquidazioniIva/LiquidazioneIva_2024" + mm + ".txt";
+    EXPECT_EQ(std::count(ctx.fileScritti.begin(), ctx.fileScritti.end(), f), 1) << f;
+    EXPECT_TRUE(fs::exists(f)) << f;
+  }
   EXPECT_NE(LeggiFile(gennaio).find("Pag"), std::string::npos);
 
   // January to March are definitive: every VAT row of both registers in the quarter is marked,
@@ -111,4 +120,105 @@ TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Numerazione Fogli] WHERE [TipoStampa] = 'R' AND [Anno] = 2024"), 2);
   // No work table of the prints is left in the company.
   for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
+}
+
+namespace {
+
+// This company has a debt under the minimum payment in March (23,11, carried) and a credit in
+// April: the settlements carry both to the month after.
+cli::OpzioniDemo ConCreditoEMinimo() {
+  cli::OpzioniDemo o;
+  o.seme = 23;
+  o.clienti = 4;
+  o.fornitori = 6;
+  o.registrazioni = 150;
+  o.lotto = 50;
+  return o;
+}
+
+// The lines of `testo` after the one that starts with `inizio`, up to an empty line or the end.
+std::vector<std::string> RigheDopo(const std::string& testo, const std::string& inizio) {
+  std::vector<std::string> v;
+  size_t p = testo.find(inizio);
+  if (p == std::string::npos) return v;
+  std::istringstream in(testo.substr(testo.find('\n', p) + 1));
+  for (std::string r; std::getline(in, r) && !r.empty();) v.push_back(r);
+  return v;
+}
+
+}  // namespace
+
+TEST_P(PassiDemo, TheSettlementsOfTheYearAreThoseTheDemoPosted) {
+  auto o = ConCreditoEMinimo();
+  auto esito = cli::RiempiAziendaDemo(*cn, o);
+  std::ostringstream out;
+  cli::ContestoDemo ctx{cn, "azienda.db", o, esito, out, nullptr, {}, {}};
+  cli::EseguiPassiDemo(ctx);
+  const std::string testo = out.str();
+
+  // A heading, the columns, a line a month, and the agreement with the demo's own entries.
+  auto righe = RigheDopo(testo, "Liquidazioni IVA del 2024 in ");
+  ASSERT_EQ(righe.size(), 14u) << testo;
+  EXPECT_EQ(righe[0].rfind("Mese", 0), 0u) << righe[0];
+  const char* mesi[] = {"gennaio", "febbraio", "marzo",     "aprile",  "maggio",   "giugno",
+                        "luglio",  "agosto",   "settembre", "ottobre", "novembre", "dicembre"};
+  for (int m = 0; m < 12; ++m) {
+    const std::string& r = righe[static_cast<size_t>(m) + 1];
+    EXPECT_EQ(r.rfind(mesi[m], 0), 0u) << r;
+    EXPECT_NE(r.find(m < 3 ? " bollata " : " simulazione "), std::string::npos) << r;
+  }
+  EXPECT_NE(righe[3].find("23,11 a debito"), std::string::npos) << righe[3];
+  EXPECT_NE(righe[3].find("non supera il minimo"), std::string::npos) << righe[3];
+  EXPECT_NE(righe[4].find("a credito"), std::string::npos) << righe[4];
+  EXPECT_EQ(righe[13],
+            "Le liquidazioni e i versamenti IVA che la demo ha registrato in prima nota coincidono con questi "
+            "importi.");
+
+  // Only the first quarter is settled in the books; the simulations, each run with the balance
+  // of the month before, leave the balance that March carried: its 23,11 not paid.
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Liquidazioni Periodiche]"), 3);
+  EXPECT_EQ(cn->Scalare("SELECT [UltimaLiquidazioneIva] FROM [Progressivi Azienda Vorn]").Testo().substr(0, 10),
+            "31/03/2024");
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [CodIvaPerPrec] FROM [Progressivi Azienda Vorn]")),
+            *Importo::DaTestoPunto("-23.11"));
+  // What the definitive settlements saved is what the demo paid on the 16th of the month after.
+  for (int mese = 1; mese <= 2; ++mese)
+    EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo_versato] FROM [Liquidazioni Periodiche] WHERE "
+                                       "[MeseVersamento] = ?",
+                                       {Valore("0" + std::to_string(mese))})),
+              NullToZeroCy(cn->Scalare("SELECT SUM([ImportoMovimento]) FROM [Prima Nota] WHERE [CodiceCausale] = "
+                                       "'VIV' AND [DareAvere] = 'D' AND [DataRegistrazione] = ?",
+                                       {Valore(*Data::Crea(2024, mese + 1, 16))})))
+        << mese;
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE [CodiceCausale] = 'VIV' AND [DataRegistrazione] = ?",
+                  {Valore(*Data::Crea(2024, 4, 16))}),
+            0);
+  for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
+}
+
+TEST_P(PassiDemo, APaymentThatIsNotTheSettlementsIsTold) {
+  auto o = ConCreditoEMinimo();
+  auto esito = cli::RiempiAziendaDemo(*cn, o);
+  // February's payment, raised by a cent on both sides of its entry.
+  const Parametri sedici = {Valore(*Data::Crea(2024, 3, 16))};
+  ASSERT_EQ(Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE [CodiceCausale] = 'VIV' AND [DataRegistrazione] = ?",
+                  sedici),
+            2);
+  cn->Esegui("UPDATE [Prima Nota] SET [ImportoMovimento] = [ImportoMovimento] + 0.01 WHERE [CodiceCausale] = 'VIV' "
+             "AND [DataRegistrazione] = ?",
+             sedici);
+  // The settlements step alone: every month in simulation.
+  std::ostringstream out;
+  cli::ContestoDemo ctx{cn, "azienda.db", o, esito, out, nullptr, {}, {}};
+  for (const auto& p : cli::PassiDemo())
+    if (p.nome == "liquidazioni IVA") p.esegui(ctx);
+  const std::string testo = out.str();
+  EXPECT_EQ(testo.find("coincidono con questi importi"), std::string::npos) << testo;
+  auto righe = RigheDopo(testo, "Liquidazioni IVA del 2024 in ");
+  ASSERT_EQ(righe.size(), 14u) << testo;
+  EXPECT_EQ(righe[13].rfind("Attenzione: le registrazioni della demo non coincidono con la liquidazione di febbraio",
+                            0),
+            0u)
+      << righe[13];
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Liquidazioni Periodiche]"), 0);
 }
