@@ -25,8 +25,8 @@ std::string NomeFileLiquidazioneIva(int anno, int mese, bool trimestre);
 
 // The outcome in one line: "IVA a debito: 1.234,56, da versare: 1.234,56", a debt not above the
 // minimum payment "IVA a debito: 20,00, da versare: 0,00 (non supera il minimo: riportata al
-// periodo successivo)", a credit "IVA a credito: 345,67". `maggiorazione` says that the debt is
-// that of a quarter with its surcharge added (the engine's saldo carries it).
-std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e, bool maggiorazione = false);
+// periodo successivo)", a credit "IVA a credito: 345,67"; a quarter's surcharge is told apart
+// ("IVA a debito: 1.000,00, maggiorazione trimestrale: 10,00, da versare: 1.010,00").
+std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e);
 
 }  // namespace vorn::cli

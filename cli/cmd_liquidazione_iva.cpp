@@ -7,7 +7,6 @@
 #include "cli/LiquidazioneIva.h"
 #include "cli/RegistroIva.h"
 #include "company/clsAnagraficaAzienda.h"
-#include "company/clsImportiFissi.h"
 #include "company/clsParametriAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
@@ -58,11 +57,12 @@ std::string NomeFileLiquidazioneIva(int anno, int mese, bool trimestre) {
          (trimestre ? "T" + std::to_string((mese - 1) / 3 + 1) : Format(Valore(mese), "00")) + ".txt";
 }
 
-std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e, bool maggiorazione) {
+std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e) {
   auto cifra = [](Importo i) { return FormattaImporto(Valore(i)); };
   if (e.saldo < Importo()) return "IVA a credito: " + cifra(-e.saldo);
-  std::string riga = std::string(maggiorazione ? "IVA a debito con la maggiorazione trimestrale: " : "IVA a debito: ") +
-                     cifra(e.saldo) + ", da versare: " + cifra(e.daVersare);
+  std::string riga = "IVA a debito: " + cifra(e.saldo);
+  if (!e.maggiorazione.Zero()) riga += ", maggiorazione trimestrale: " + cifra(e.maggiorazione);
+  riga += ", da versare: " + cifra(e.daVersare);
   if (!e.imposta2733.Zero()) riga += " (non supera il minimo: riportata al periodo successivo)";
   return riga;
 }
@@ -167,15 +167,7 @@ int Esegui(Contesto& ctx) {
     ctx.out << "Nessun dato da stampare.\n";
     return 0;
   }
-  // The quarter's surcharge is in the engine's saldo when something is paid.
-  bool maggiorazione = false;
-  if (arg.avar_RegimeIva == "T" && esito.daVersare > Importo()) {
-    clsImportiFissi fissi;
-    fissi.cn = db->cn;
-    double percMaggTrim = 0, percForfSemp = 0;
-    maggiorazione = fissi.GetImportiFissiLiquidazioneIva2(percMaggTrim, percForfSemp) && percMaggTrim != 0;
-  }
-  ctx.out << uscita << "\n" << RigaEsitoLiquidazioneIva(esito, maggiorazione) << "\n";
+  ctx.out << uscita << "\n" << RigaEsitoLiquidazioneIva(esito) << "\n";
   return 0;
 }
 

@@ -185,6 +185,20 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
                     vbExclamation, "Liquidazione IVA bollata");
       return false;
     }
+    // The period's progressives must be the period's alone: a register printed definitively
+    // beyond it has already added later months to them.
+    if (!annuale) {
+      Valore oltre = db.Scalare("SELECT MAX([DataUltimaStampaBollato]) FROM [Progressivi Registri Iva] WHERE "
+                                "[IndicatoreFisso] = 'P2' AND [IndTipoRecord] = 'R' AND [DataUltimaStampaBollato] > ?",
+                                {Valore(al)});
+      if (auto d = oltre.ComeData()) {
+        Host().MsgBox("I registri IVA sono già stati stampati sul bollato fino al " + d->Testo() +
+                          ": i loro progressivi comprendono mesi successivi al periodo, che va liquidato prima della "
+                          "stampa definitiva dei registri dei mesi seguenti.",
+                      vbExclamation, "Liquidazione IVA bollata");
+        return false;
+      }
+    }
   }
 
   // 2. The work tables and files.
@@ -688,7 +702,8 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
   }
   liq.close();
   if (!liq) throw ErroreStampa("Impossibile scrivere il file " + fileLiq);
-  esito_.saldo = saldo;
+  esito_.saldo = saldo - maggiorazione;
+  esito_.maggiorazione = maggiorazione;
   esito_.daVersare = daVersare;
   esito_.imposta2733 = imposta2733;
 

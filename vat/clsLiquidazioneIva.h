@@ -105,7 +105,8 @@ struct ArgomentiLiquidazioneIva {
 // The outcome of a settlement.
 struct EsitoLiquidazioneIva {
   bool stampata = false;
-  Importo saldo;         // above 0 a debt, below 0 a credit
+  Importo saldo;         // above 0 a debt, below 0 a credit (the quarterly surcharge apart)
+  Importo maggiorazione; // the quarterly surcharge
   Importo daVersare;     // what is to be paid (surcharge included, compensation deducted)
   Importo imposta2733;   // a debt under the minimum, carried to the next period
 };

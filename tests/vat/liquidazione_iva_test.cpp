@@ -119,6 +119,8 @@ TEST_P(LiquidazioneIvaTest, TrimestreConMaggiorazioneEStampa) {
   banca.data = Valore(*Data::Crea(2024, 4, 16));
   a.objDatiVersamento = &banca;
   ASSERT_TRUE(liq.LiquidazioneIvaSimulazione(a));
+  EXPECT_EQ(liq.Esito().saldo, I("1000.00"));
+  EXPECT_EQ(liq.Esito().maggiorazione, I("10.00"));
   EXPECT_EQ(liq.Esito().daVersare, I("1010.00"));
   std::string testo = LeggiFile(a.nomeFile);
   ConfrontaGolden("vat/golden/liquidazione_trimestre.txt", testo);
@@ -201,6 +203,18 @@ TEST_P(LiquidazioneIvaTest, VentilazioneERiepilogoAnnuale) {
   EXPECT_TRUE(liq.Esito().saldo.Zero());
   EXPECT_NE(LeggiFile(dir->Percorso() + "/anno.txt").find("IVA Versata/Compensata nell'anno:                 46,67"),
             std::string::npos);
+}
+
+TEST_P(LiquidazioneIvaTest, RegistriGiaBollatiOltreIlPeriodo) {
+  // January's and February's registers printed definitively: the period progressives hold both
+  // months, so January can no longer be settled from them.
+  Vendita("00001", "10/01/2024", 1, "1000.00", "220.00", "1220.00");
+  Vendita("00002", "10/02/2024", 2, "1000.00", "220.00", "1220.00");
+  Bollato(1);
+  Bollato(2);
+  EXPECT_FALSE(liq.LiquidazioneIvaBollata(Liq(1, "gen.txt", true)));
+  EXPECT_NE(host->Ultimo().find("già stati stampati sul bollato fino al 29/02/2024"), std::string::npos);
+  EXPECT_EQ(0, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Liquidazioni Periodiche]")));
 }
 
 TEST_P(LiquidazioneIvaTest, DefinitivaInterrottaNonLasciaNulla) {
