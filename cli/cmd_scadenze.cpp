@@ -75,7 +75,9 @@ int Scadenze(Contesto& ctx) {
   std::vector<std::vector<std::string>> tabella;
   for (long i = 1; i <= n; ++i) {
     auto c = Campi(righe[static_cast<size_t>(i)]);
-    if (c.size() == 20) tabella.push_back({std::to_string(tabella.size() + 1), c[0], c[1], c[2], c[13]});
+    if (c.size() == 20)
+      tabella.push_back({std::to_string(tabella.size() + 1), c[0], c[1], c[2],
+                         FormattaImporto(Valore(Importo::DaTestoPunto(c[13]).value_or(Importo())))});
   }
   ScriviTabella(ctx.out,
                 {{"Rata", Allinea::Destra},

@@ -51,9 +51,9 @@ TEST_P(ComandoScadenze, RateDelPagamentoEInputSbagliato) {
   EXPECT_EQ(r.first, 0);
   EXPECT_EQ(r.second,
             "Rata Tipo            Scadenza   Importo Bollo\n"
-            "   1 RB Ric.Bancaria 29/02/2024  333,34     0\n"
-            "   2 RB Ric.Bancaria 31/03/2024  333,33     0\n"
-            "   3 RB Ric.Bancaria 30/04/2024  333,33     0\n");
+            "   1 RB Ric.Bancaria 29/02/2024  333,34  0,00\n"
+            "   2 RB Ric.Bancaria 31/03/2024  333,33  0,00\n"
+            "   3 RB Ric.Bancaria 30/04/2024  333,33  0,00\n");
   // An unknown code, a date that is no date, an amount that is no amount: clear errors.
   EXPECT_EQ(Vorn("scadenze", {"--pagamento", "XX", "--data", "31/01/2024", "--importo", "10"}).first, 1);
   EXPECT_EQ(Vorn("scadenze", {"--pagamento", "RB3", "--data", "31/02/2024", "--importo", "10"}).first, 2);
