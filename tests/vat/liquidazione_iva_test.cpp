@@ -154,6 +154,17 @@ TEST_P(LiquidazioneIvaTest, CreditoDiInizioAnnoEProrata) {
             I("20.00"));
 }
 
+TEST_P(LiquidazioneIvaTest, DeterminazioneForfetaria) {
+  // The lump sum at 50%: of 1.000,00 of sales VAT, 500,00 is due, whatever the purchases say.
+  cn->Esegui("UPDATE [Importi Fissi] SET [PercForfSemp] = 50");
+  Vendita("00001", "10/01/2024", 1, "4545.45", "1000.00", "5545.45");
+  Acquisto("00002", "12/01/2024", 1, "454.55", "100.00", "554.55");
+  ASSERT_TRUE(liq.LiquidazioneIvaSimulazione(Liq(1, "forfait.txt")));
+  EXPECT_EQ(liq.Esito().saldo, I("500.00"));
+  EXPECT_NE(LeggiFile(dir->Percorso() + "/forfait.txt").find("Determinaz. forfetaria 50,00 %.:                500,00 +"),
+            std::string::npos);
+}
+
 TEST_P(LiquidazioneIvaTest, FatturaDifferitaLiquidataQuandoIncassata) {
   // January: an invoice with deferred VAT of 110,00: only shown, not settled.
   Vendita("00001", "20/01/2024", 1, "500.00", "110.00", "610.00", "FED");
