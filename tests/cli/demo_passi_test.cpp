@@ -157,8 +157,9 @@ TEST_P(PassiDemo, TheSettlementsOfTheYearAreThoseTheDemoPosted) {
   const std::string testo = out.str();
 
   // A heading, the columns, a line a month, and the agreement with the demo's own entries.
+  // (the next step's lines follow).
   auto righe = RigheDopo(testo, "Liquidazioni IVA del 2024 in ");
-  ASSERT_EQ(righe.size(), 14u) << testo;
+  ASSERT_GE(righe.size(), 14u) << testo;
   EXPECT_EQ(righe[0].rfind("Mese", 0), 0u) << righe[0];
   const char* mesi[] = {"gennaio", "febbraio", "marzo",     "aprile",  "maggio",   "giugno",
                         "luglio",  "agosto",   "settembre", "ottobre", "novembre", "dicembre"};
@@ -214,8 +215,9 @@ TEST_P(PassiDemo, APaymentThatIsNotTheSettlementsIsTold) {
     if (p.nome == "liquidazioni IVA") p.esegui(ctx);
   const std::string testo = out.str();
   EXPECT_EQ(testo.find("coincidono con questi importi"), std::string::npos) << testo;
+  // (the next step's lines follow).
   auto righe = RigheDopo(testo, "Liquidazioni IVA del 2024 in ");
-  ASSERT_EQ(righe.size(), 14u) << testo;
+  ASSERT_GE(righe.size(), 14u) << testo;
   EXPECT_EQ(righe[13].rfind("Attenzione: le registrazioni della demo non coincidono con la liquidazione di febbraio",
                             0),
             0u)
