@@ -195,6 +195,12 @@ TEST_P(PassiDemo, TheSettlementsOfTheYearAreThoseTheDemoPosted) {
                   {Valore(*Data::Crea(2024, 4, 16))}),
             0);
   for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
+  // The due-date book: the instalments of each sales invoice add up to its total, to the cent.
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM (SELECT S.[numeroRegistrazione] FROM [Scadenziario] S GROUP BY "
+                  "S.[numeroRegistrazione] HAVING SUM(S.[Importo Scadenza]) <> MAX(S.[Importo Documento])) K"),
+            0);
+  EXPECT_GT(Conta("SELECT COUNT(*) FROM [Scadenziario]"), 0);
+  EXPECT_NE(testo.find("Scadenziario: "), std::string::npos);
 }
 
 TEST_P(PassiDemo, APaymentThatIsNotTheSettlementsIsTold) {
