@@ -1,0 +1,182 @@
+// Posting of sales documents: the printed rows of [Fatture] of a date range become journal
+// entries. Each document gives one main registration (the client's row, revenues, expenses,
+// the split-payment pair, the VAT rows) and one registration for each amount it settles at once
+// (split payment, down payment, the two withholdings, the rounding allowance, gifts), each tied
+// to the settled instalment that the due-date step wrote for the document.
+//
+// Each document is one transaction of its own: its registrations, their balance movement, the
+// payments on its instalments and its [Elaborata] stamp are committed together or not at all.
+// A document refused by a check is rolled back alone and the run goes on; a document that
+// fails for a deadlock or a serialization failure is run again from the start; any other
+// failure rolls the document back, is told, and the run goes on. Entry numbers are taken
+// under the lock of the numbering service, so that two runs at once never share one.
+//
+// Amounts are exact: the discounted taxable amounts and the apportioned expenses are worked
+// out from the document's figures and rounded once to the company's decimals, the VAT of a
+// row is rounded once from its taxable amount. A document in another currency is converted to
+// the company's currency by its exchange rate, row by row, when the row is written.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "frame/ConnessioneClasse.h"
+#include "frame/Data.h"
+#include "frame/Db.h"
+#include "frame/Host.h"
+#include "frame/Importo.h"
+#include "frame/Valore.h"
+
+namespace vorn {
+
+class clsPrimaNota;
+class clsCausaliContabili;
+class clsClientiFornitori;
+class clsSaldaconto;
+class clsScadenze;
+class clsTabRiferimenti;
+class clsCodiciIva;
+
+// The arguments of a posting run, by name. The objects are optional: a missing one is made by
+// the run on its own connection.
+struct ArgomentiElaboraFatture {
+  IForm* objFormAttiva = nullptr;  // its msgbar tells the progress
+  clsPrimaNota* objPrimaNota = nullptr;
+  clsCausaliContabili* objCausaliContabili = nullptr;
+  clsClientiFornitori* objClientiFornitori = nullptr;
+  clsSaldaconto* objSaldaconto = nullptr;
+  clsScadenze* objScadenze = nullptr;
+  clsTabRiferimenti* objTabRiferimenti = nullptr;
+  clsCodiciIva* objCodiciIVA = nullptr;
+
+  Valore avar_DaData, avar_AData;        // the documents' dates, both ends included
+  Valore avar_DataContabilizzazione;     // the registration date unless bool_ContabilizzaDataFattura
+
+  Valore avar_CausaleFatture, avar_CausaleNoteCredito, avar_CausaleIncassi, avar_CausaleOmaggi;
+  Valore avar_ClientiStandard, avar_RicaviStandard, avar_RicaviAccessori;
+  Valore avar_IvaVendite, avar_IvaCorrispettiviScorporo, avar_IvaSospensione, avar_IvaEsigDiff;
+  Valore avar_SottocontoCassa, avar_SottocontoImponibileOmaggi, avar_SottocontoIvaOmaggi;
+  Valore avar_SottIVASplitPaymentVend, avar_CausaleSplitPayment;
+  Valore avar_SottocontoRitenuteSubite, avar_CausaleRitenuteSubite;
+  Valore avar_SottocontoAbbuoni, avar_CausaleAbbuoni;
+  Valore avar_TipoContabRicAcc;  // "1": one revenue row per kind of expense; else one row
+  Valore avar_SottRicaviAccessori2, avar_SottRicaviSpeseIncasso, avar_SottRicaviSpeseTrasporto, avar_SottRicaviBolli;
+
+  bool bool_ContabilizzaDataFattura = false;  // registration date = the document's date
+  Valore clientID;
+  long hWnd = 0;
+};
+
+// What a run did.
+struct EsitoElaboraFatture {
+  long Registrazioni = 0;  // journal entries created (main and settling)
+  long Documenti = 0;      // documents posted and stamped
+  long Scartati = 0;       // documents refused by a check or rolled back by a failure
+  std::vector<std::string> Errori;  // unexpected failures, one line per document rolled back
+};
+
+// The VAT table of a document, rows 1 to 5 (index 0 unused), its columns by name:
+//   1 codice       VAT code (above 99: the hundreds digit 8 marks a gift with VAT, 9 without)
+//   2 spese        expenses apportioned to the row
+//   3 imponibile   taxable amount as read
+//   4 aliquota     VAT rate (percent, four decimals)
+//   5 iva          VAT of the row
+//   6 nettoSconti  taxable amount after the two customer discounts
+//   7 netto        taxable amount after the payment discount too
+struct RigaTabellaIva {
+  int32_t codice = 0;
+  Importo spese, imponibile, aliquota, iva, nettoSconti, netto;
+};
+struct TabellaIvaDocumento {
+  std::array<RigaTabellaIva, 6> r{};
+  RigaTabellaIva& operator[](int i) { return r.at(static_cast<size_t>(i)); }
+  const RigaTabellaIva& operator[](int i) const { return r.at(static_cast<size_t>(i)); }
+  // Reads the 210-character text: five rows of code, taxable amount and rate, 14 characters
+  // each. An empty or short text leaves the missing rows zero.
+  static TabellaIvaDocumento DaTesto(const std::string& testo);
+};
+
+// Fills the causals and accounts of a run from the company's reference tables. False when
+// they have no row (every value then empty).
+bool RiferimentiElaboraFatture(clsTabRiferimenti& objTabRiferimenti, ArgomentiElaboraFatture& a);
+
+class clsElaboraFatture {
+ public:
+  ConnessioneClasse cn;
+
+  // The posting run over [Fatture] (see the top of this file). Messages go to the host, under
+  // the titles the users know; the summary ends the run.
+  EsitoElaboraFatture ElaboraFatture(ArgomentiElaboraFatture& a);
+
+  // The one way this class writes a journal row. Amounts are in the document's currency;
+  // the journal gets them divided by the exchange rate, in the company's decimals, and in the
+  // currency's decimals as the currency amounts.
+  bool ScriviRecordPrimaNota(clsPrimaNota& objPrimaNota, clsCausaliContabili& objCausaliContabili,
+                             int32_t NumeroRegistrazioneTmp, const Valore& DataRegistrazioneTmp,
+                             const std::string& TipoRigaIvaNormaleTmp, int32_t NumRigaAVideoTmp,
+                             const std::string& DareAvereTmp, const Valore& SottocontoTmp,
+                             const Valore& IndClienteFornitoreTmp, const Valore& CodClienteFornitoreTmp,
+                             const Valore& DataCompetenzaTmp, const Valore& CodiceCausaleTmp,
+                             const Valore& DescrizioneSupplementareTmp, Importo ImportoMovimentoTmp,
+                             Importo imponibileTmp, const Valore& CodiceIvaTmp, const Valore& IndicatoreCliFor_IvaTmp,
+                             const Valore& CodiceCliFor_IvaTmp, const Valore& TipoRegistroIvaTmp,
+                             const Valore& NumRegistroIvaTmp, const Valore& DataDocumentoTmp,
+                             const Valore& SerieDocumentoTmp, const Valore& NumeroDocumentoTmp,
+                             Importo TotaleDocumentoTmp, const Valore& ValutaTmp, double CambioTmp,
+                             const Valore& KeyScadenzeTmp, const Valore& NumeroDiProtocolloTmp,
+                             const Valore& numeroDocumentoEstesoTmp, const Valore& DataCompetenzaIvaTmp,
+                             const Valore& clientID, long hWnd);
+
+  // Discounts one upon the other, the expenses apportioned by the rows' taxable amounts, the
+  // VAT of each row; collection expenses with a VAT code of their own and stamps not placed on
+  // a row of their rate take a free row. Amounts rounded to `decimali`. False when a sixth
+  // code was needed (told to the user).
+  bool CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti, clsCodiciIva& objCodiciIVA, TabellaIvaDocumento& t,
+                          double ScontoCliente1, double ScontoCliente2, double ScontoPagamento, Importo SpeseIncasso,
+                          Importo SpeseTrasporto, Importo SpeseAccessorie, Importo TotaleRighe, Importo Bolli,
+                          int decimali);
+
+  // The summary of the VAT rows by code: a row of the same code adds up, a new code takes the
+  // first free row, a sixth code is ignored.
+  void CompilaTabellaIvaRiepilogata(int32_t codice, Importo aliquota, Importo ImponibileNettoSconti, Importo imposta,
+                                    Importo SpeseRipartite);
+  TabellaIvaDocumento TabellaIvaRiepilogata;  // zeroed for each document
+
+  bool Aggiorna_Campo_Fattura_Elaborata(const Valore& NomeTabella, const Valore& NumeroDocumento,
+                                        const Valore& SerieDocumento, bool Stato);
+  bool Aggiorna_Campo_Generato_Scadenze(const Valore& NomeTabella, const Valore& NumeroDocumento,
+                                        const Valore& SerieDocumento, bool Stato);
+  bool Aggiorna_Campo_Effetto_Contabilizzato(const Valore& Numero_progressivo, bool Stato);
+  bool Aggiorna_Campo_Distinta_Contabilizzata(const Valore& Numero_Distinta, bool Stato,
+                                              const Valore& numeroRegistrazione, const Valore& DataRegistrazione);
+
+  // Every [Fatture] row by number and series.
+  bool LocalizzaTuttiRecordFatture(Recordset& T);
+  // Lists into `nomeFile` the documents of the range not yet printed (and so not postable);
+  // true when there is one.
+  bool PresentiFattureNonStampate(const Valore& avar_DaData, const Valore& avar_AData, const std::string& nomeFile);
+
+  // Stamps the registration on the first instalment of the document; true when there was one.
+  bool UpdateDatiRegistrazioneInScadenza(const Valore& tipo, const Valore& Codice_Cliente, const Valore& DataDocumento,
+                                         const Valore& Serie, const Valore& NumeroDocumento,
+                                         int32_t numeroRegistrazione, const Valore& DataRegistrazione);
+  // The settled row of a document by kind, amount and note; 0 when none.
+  int32_t GetNumeroScadenzaAcconto(const Valore& tipo, const Valore& Codice_Cliente, const Valore& DataDocumento,
+                                   const Valore& Serie, const Valore& NumeroDocumento, const Valore& TipoEffetto,
+                                   Importo ImportoEffetto, const Valore& Note);
+
+  // A registration of an allowance on one instalment, which it closes by the amount (negated
+  // when the allowance stands on the credit side). The new registration's number, 0 when the
+  // instalment does not exist. Runs in the caller's transaction, or in one of its own.
+  int32_t ContabilizzaAbbuono(IForm* objFormAttiva, clsPrimaNota& objPrimaNota,
+                              clsCausaliContabili& objCausaliContabili, clsClientiFornitori& objClientiFornitori,
+                              clsSaldaconto& objSaldaconto, clsScadenze& objScadenze,
+                              const Valore& avar_ClientiStandard, const Valore& avar_FornitoriStandard,
+                              const Valore& Numero_Progressivo_Scadenza_Partenza, Importo ImportoRegistrazione,
+                              const Valore& CodiceCausaleAbbuoni, const Valore& ContoPrimaNota_Abbuoni,
+                              const std::string& DareAvere_CliFor, const std::string& DareAvere_Abbuono,
+                              const Valore& clientID, long hWnd);
+};
+
+}  // namespace vorn
