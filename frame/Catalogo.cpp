@@ -711,6 +711,8 @@ const std::vector<IndiceCatalogo>& IndiciCatalogo() {
       {"ix_sc_doc", "Scadenziario", {"Progressivo Documento"}},
       {"ix_sc_numprog", "Scadenziario", {"Numero Progressivo"}},
       {"ix_sc_scad", "Scadenziario", {"Data Scadenza"}},
+      {"ix_fat_data", "Fatture", {"Data"}},
+      {"ix_mm_doc", "Movimenti Magazzino", {"Numero", "Tipo documento"}},
       {"ix_sto_datareg", "Storico Contabile", {"DataRegistrazione"}},
       {"ix_sto_conto", "Storico Contabile", {"SottocontoMovimento"}},
   };

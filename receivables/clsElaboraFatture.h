@@ -77,7 +77,8 @@ struct EsitoElaboraFatture {
 };
 
 // The VAT table of a document, rows 1 to 5 (index 0 unused), its columns by name:
-//   1 codice       VAT code (above 99: the hundreds digit 8 marks a gift with VAT, 9 without)
+//   1 codice       VAT code: a number written "000" (above 099 the hundreds digit 8 marks a
+//                  gift with VAT, 9 a gift without), another code as it is; empty: a free row
 //   2 spese        expenses apportioned to the row
 //   3 imponibile   taxable amount as read
 //   4 aliquota     VAT rate (percent, four decimals)
@@ -85,7 +86,7 @@ struct EsitoElaboraFatture {
 //   6 nettoSconti  taxable amount after the two customer discounts
 //   7 netto        taxable amount after the payment discount too
 struct RigaTabellaIva {
-  int32_t codice = 0;
+  std::string codice;
   Importo spese, imponibile, aliquota, iva, nettoSconti, netto;
 };
 struct TabellaIvaDocumento {
@@ -139,7 +140,7 @@ class clsElaboraFatture {
 
   // The summary of the VAT rows by code: a row of the same code adds up, a new code takes the
   // first free row, a sixth code is ignored.
-  void CompilaTabellaIvaRiepilogata(int32_t codice, Importo aliquota, Importo ImponibileNettoSconti, Importo imposta,
+  void CompilaTabellaIvaRiepilogata(const std::string& codice, Importo aliquota, Importo ImponibileNettoSconti, Importo imposta,
                                     Importo SpeseRipartite);
   TabellaIvaDocumento TabellaIvaRiepilogata;  // zeroed for each document
 
