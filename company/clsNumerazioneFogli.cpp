@@ -1,8 +1,12 @@
 #include "company/clsNumerazioneFogli.h"
 
+#include <algorithm>
+
 #include "company/LetturaAzienda.h"
 #include "company/clsAnagraficaAzienda.h"
 #include "company/PresaNumero.h"
+#include "frame/Comuni.h"
+#include "frame/Impaginazione.h"
 #include "frame/VornServer.h"
 
 namespace vorn {
@@ -169,6 +173,25 @@ bool clsNumerazioneFogli::AzzeraNumerazioneFogliLibroGiornale() {
 bool clsNumerazioneFogli::AzzeraNumerazioneFogliRegistroCespiti() {
   cn->Esegui("DELETE FROM [Numerazione Fogli] WHERE [TipoStampa] = 'B'");
   return true;
+}
+
+clsNumerazioneFogli::Fogli clsNumerazioneFogli::NumeraFogli(const std::string& ingresso, const std::string& uscita,
+                                                             int righe, const Valore& TipoStampa,
+                                                             const Valore& TipoRegistro,
+                                                             const Valore& NumeroRegistro, int anno,
+                                                             const Valore& clientID, long hWnd) {
+  Valore azienda, partitaIva, descrizione, indirizzo, sede, daNumero;
+  GetDatiNumerazioneAutomatica(TipoStampa, TipoRegistro, NumeroRegistro, Valore(anno), Valore(""), azienda, partitaIva,
+                               descrizione, indirizzo, sede, daNumero, clientID, hWnd);
+  auto testo = [](const Valore& v, int n) { return PadSinistra(Valore(Trim(v.Testo())), n); };
+  std::string testata = testo(azienda, 40) + (Trim(sede.Testo()) == "1" ? "  COD. FISC.: " : "  P. IVA: ") +
+                        testo(partitaIva, 16) + " " + testo(descrizione, 60);
+  Fogli f;
+  f.primo = std::max<long>(1, NullToZeroLng(daNumero));
+  Valore numero(static_cast<long long>(f.primo));
+  ImpaginaSemplice(ingresso, uscita, righe, 2, testata, 3, "", 2, std::to_string(anno), numero);
+  f.prossimo = NullToZeroLng(numero);
+  return f;
 }
 
 }  // namespace vorn

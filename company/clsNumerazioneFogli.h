@@ -53,6 +53,18 @@ class clsNumerazioneFogli {
                          const Valore& anno, const Valore& Serie, const Valore& Numero, const Valore& clientID,
                          long hWnd);
 
+  // Numbers the sheets of a book's print: copies `ingresso`, laid out on pages of `righe` lines
+  // whose first two lines are empty, to `uscita`, with the book's heading (company name, VAT
+  // number or fiscal code, title) and the sheet number prefix/number on the first line of each
+  // page, starting from the book's next sheet. Gives the first sheet and the next one after the
+  // print, for SalvaUltimoNumero; nothing is stored here.
+  struct Fogli {
+    long primo = 0, prossimo = 0;
+  };
+  Fogli NumeraFogli(const std::string& ingresso, const std::string& uscita, int righe, const Valore& TipoStampa,
+                    const Valore& TipoRegistro, const Valore& NumeroRegistro, int anno, const Valore& clientID,
+                    long hWnd);
+
   // Delete the rows of the VAT books ("R" and "L"), of the journal book ("G"), of the asset
   // book ("B"); the other books stay.
   bool AzzeraNumerazioneFogliIVA();

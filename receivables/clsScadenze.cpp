@@ -5,6 +5,7 @@
 #include <map>
 
 #include "company/PresaNumero.h"
+#include "company/clsProgAzienda.h"
 #include "frame/Catalogo.h"
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
@@ -278,14 +279,9 @@ bool clsScadenze::SetProgressivoScadenze(const Valore& Numero_progressivo, const
 }
 
 int32_t clsScadenze::PrendiNumeroEffetto() {
-  Contatore c;
-  c.tabella = "Progressivi Scadenze";
-  c.colonna = "Progressivo";
-  c.where = "[IndicatoreFisso] = ?";
-  c.parametri = {Valore("SCA")};
-  c.nuovaRiga = {{"IndicatoreFisso", Valore("SCA")}};
-  c.sqlMassimo = "SELECT MAX([Numero Progressivo]) FROM [Scadenziario]";
-  return PrendiNumero(*cn, c);
+  clsProgAzienda prog;
+  prog.cn = static_cast<const std::shared_ptr<Connessione>&>(cn);
+  return prog.PrendiProgressivoScadenze();
 }
 
 int32_t clsScadenze::PrendiProgressivoDocumento() {

@@ -17,23 +17,14 @@
 #include "ledger/clsCausaliContabili.h"
 #include "ledger/clsPrimaNota.h"
 #include "vat/clsProgressiviIva.h"
+#include "vat/StampaIva.h"
 #include "vat/clsRegistriIva.h"
 
 namespace vorn {
 
 namespace {
 
-std::string T(const Valore& v) { return Trim(v.Testo()); }
-Importo Imp(const Valore& v) { return NullToZeroCy(v); }
-std::string Sx(const std::string& s, int n) { return PadSinistra(Valore(s), n); }
-std::string Dx(const std::string& s, int n) { return PadDestra(Valore(s), n); }
-// Pads or cuts to `n` characters, keeping leading blanks.
-std::string Largo(const std::string& s, int n) {
-  size_t l = LunghezzaTesto(s), w = static_cast<size_t>(n);
-  return l >= w ? SinistraTesto(s, w) : s + std::string(w - l, ' ');
-}
-std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
-std::string Cifra(const Valore& v) { return v.IsNull() || v.IsEmpty() ? "" : Cifra(Imp(v)); }
+using namespace stampa_iva;
 
 std::string DataCorta(const Valore& v) {
   if (!v.ComeData()) return "00.00.00";
@@ -44,14 +35,6 @@ std::string Numero(const Valore& v) {
   return std::to_string(NullToZeroLng(v));
 }
 std::string Riga(char c) { return std::string(kColonneReport, c); }
-
-template <class C>
-C* Usa(C* dato, std::unique_ptr<C>& proprio, const std::shared_ptr<Connessione>& cn) {
-  if (dato) return dato;
-  proprio = std::make_unique<C>();
-  proprio->cn = cn;
-  return proprio.get();
-}
 
 const char* const kCosto = "**COSTO/RICAVO SEMPLIFICATI**";
 
@@ -595,24 +578,12 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
   }
 
   // ---- pages: the head of the register, the totals after the body, the sheets numbered
-  std::string ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva;
-  anagrafica->GetDatiFiscaliAzienda(ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva);
+  const auto azienda = RigheAzienda(*anagrafica);
   const std::string coda = std::string(15, ' ') + "nr. " + registro + "     di competenza del Mese di " +
                            NomeMese(Valore(a.avar_Mese)) + " " + std::to_string(a.avar_Anno);
-  std::array<std::string, 7> testa = {
-      std::string(26, ' ') + f.titolo + coda,
-      Riga('='),
-      " Azienda: " + Sx(ragione, 40) + "  Domicilio Fiscale: " + Sx(indDom, 25) + " " + Sx(capDom, 5) + " " +
-          Sx(locDom, 25) + " " + Sx(provDom, 2),
-      " Par.IVA: " + Sx(piva, 11) + " Cod.Fiscale: " + Sx(cf, 16) + " Ubicaz. Esercizio: " + Sx(indEs, 25) + " " +
-          Sx(capEs, 5) + " " + Sx(locEs, 25) + " " + Sx(provEs, 2),
-      Riga('='),
-      "",
-      ""};
-  std::array<std::string, 2> piede = {
-      "************************  ELABORATO PRESSO : " + a.AzRagSoc + " P. IVA: " + a.AzParIva +
-          "  ************************",
-      ""};
+  std::array<std::string, 7> testa = {std::string(26, ' ') + f.titolo + coda, Riga('='), azienda[0], azienda[1],
+                                      Riga('='), "", ""};
+  std::array<std::string, 2> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), ""};
   RigaPagina("", Valore(0));
   ImpaginaFile(file.corpo, file.pagine, a.avar_RighePagina, testa, piede, false, 2);
   if (!f.ventilazione) {
@@ -622,29 +593,16 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
   }
   std::string finale = file.pagine;
   if (a.avar_NumerazionePagine) {
-    Valore azienda, partitaIva, descrizione, indirizzo, sede, daNumero;
-    fogli->GetDatiNumerazioneAutomatica(Valore("R"), Valore(f.foglio), Valore(registro), Valore(a.avar_Anno),
-                                        Valore(""), azienda, partitaIva, descrizione, indirizzo, sede, daNumero,
-                                        a.clientID, a.hWnd);
-    std::string testata = Sx(T(azienda), 40) + (T(sede) == "1" ? "  COD. FISC.: " : "  P. IVA: ") +
-                          Sx(T(partitaIva), 16) + " " + Sx(T(descrizione), 60);
-    Valore numero(static_cast<long long>(std::max<int32_t>(1, NullToZeroLng(daNumero))));
-    long primo = NullToZeroLng(numero);
-    ImpaginaSemplice(file.pagine, file.numerato, a.avar_RighePagina, 2, testata, 3, "", 2,
-                     std::to_string(a.avar_Anno), numero);
-    ultimoFoglio_ = NullToZeroLng(numero);  // the next sheet to print, as the numbering keeps it
-    esito_.fogli = ultimoFoglio_ - primo;
+    auto numerati = fogli->NumeraFogli(file.pagine, file.numerato, a.avar_RighePagina, Valore("R"), Valore(f.foglio),
+                                       Valore(registro), a.avar_Anno, a.clientID, a.hWnd);
+    ultimoFoglio_ = numerati.prossimo;  // the next sheet to print, as the numbering keeps it
+    esito_.fogli = numerati.prossimo - numerati.primo;
     finale = file.numerato;
   }
 
   // ---- the caller's file, named once the bookkeeping is committed
   FileStampa stampa(a.nomeFile);
-  {
-    std::ifstream in(finale, std::ios::binary);
-    if (!in) throw ErroreStampa("Impossibile leggere il file " + finale);
-    stampa.Flusso() << in.rdbuf();
-    if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
-  }
+  CopiaInStampa(finale, stampa, a.nomeFile);
   if (bollato && !registra()) return false;
   stampa.Chiudi();
   esito_.stampato = true;

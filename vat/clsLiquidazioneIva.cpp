@@ -17,6 +17,7 @@
 #include "frame/Impaginazione.h"
 #include "frame/TabellaLavoro.h"
 #include "frame/VornServer.h"
+#include "vat/StampaIva.h"
 #include "vat/clsDatiIVA.h"
 #include "vat/clsProgressiviIva.h"
 #include "vat/clsRegistriIva.h"
@@ -25,26 +26,10 @@ namespace vorn {
 
 namespace {
 
-std::string T(const Valore& v) { return Trim(v.Testo()); }
-Importo Imp(const Valore& v) { return NullToZeroCy(v); }
-std::string Sx(const std::string& s, int n) { return PadSinistra(Valore(s), n); }
-std::string Dx(const std::string& s, int n) { return PadDestra(Valore(s), n); }
-std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
-// Pads or cuts to `n` characters, keeping leading blanks.
-std::string Largo(const std::string& s, int n) {
-  size_t l = LunghezzaTesto(s), w = static_cast<size_t>(n);
-  return l >= w ? SinistraTesto(s, w) : s + std::string(w - l, ' ');
-}
+using namespace stampa_iva;
+
 Importo Abs(Importo i) { return i < Importo() ? -i : i; }
 int Decimali() { return G().DecimaliImporti; }
-
-template <class C>
-C* Usa(C* dato, std::unique_ptr<C>& proprio, const std::shared_ptr<Connessione>& cn) {
-  if (dato) return dato;
-  proprio = std::make_unique<C>();
-  proprio->cn = cn;
-  return proprio.get();
-}
 
 const std::string kMargine(37, ' ');
 const std::string kRigaCalcolo = kMargine + std::string(55, '-');
@@ -731,22 +716,9 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
     t1 = annuale ? "                            LIQUIDAZIONE I.V.A.RIEPILOGATIVA DELL' ANNO " + std::to_string(a.avar_Anno)
                  : "           ANNOTAZIONE PERIODICA D'IMPOSTA I.V.A. DEL PERIODO " + periodo;
   }
-  std::string ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva;
-  anagrafica->GetDatiFiscaliAzienda(ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva);
-  std::array<std::string, 7> testa = {
-      t1,
-      t2,
-      Riga('=', 132),
-      " Azienda: " + Sx(ragione, 40) + "  Domicilio Fiscale: " + Sx(indDom, 25) + " " + Sx(capDom, 5) + " " +
-          Sx(locDom, 25) + " " + Sx(provDom, 2),
-      " Par.IVA: " + Sx(piva, 11) + " Cod.Fiscale: " + Sx(cf, 16) + " Ubicaz. Esercizio: " + Sx(indEs, 25) + " " +
-          Sx(capEs, 5) + " " + Sx(locEs, 25) + " " + Sx(provEs, 2),
-      Riga('=', 132),
-      ""};
-  std::array<std::string, 2> piede = {
-      "************************  ELABORATO PRESSO : " + a.AzRagSoc + " P. IVA: " + a.AzParIva +
-          "  ************************",
-      ""};
+  const auto azienda = RigheAzienda(*anagrafica);
+  std::array<std::string, 7> testa = {t1, t2, Riga('=', 132), azienda[0], azienda[1], Riga('=', 132), ""};
+  std::array<std::string, 2> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), ""};
   RigaPagina("", Valore(0));
   ImpaginaFile(fileLiq, filePag, a.avar_RighePagina, testa, piede, false, 3);
   ImpaginaFile(fileSez, fileSezPag, a.avar_RighePagina, testa, piede, false, 3);
@@ -764,27 +736,15 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
     else if (t == "4") tipoFoglio = "R", registroFoglio = "E";
   }
   if (bollata && a.avar_NumerazionePagine) {
-    Valore azienda, partitaIva, descrizione, indirizzo, sede, daNumero;
-    fogli->GetDatiNumerazioneAutomatica(Valore(tipoFoglio), Valore(registroFoglio), Valore(numRegLiq),
-                                        Valore(a.avar_Anno), Valore(""), azienda, partitaIva, descrizione, indirizzo,
-                                        sede, daNumero, a.clientID, a.hWnd);
-    std::string testata = Sx(T(azienda), 40) + (T(sede) == "1" ? "  COD. FISC.: " : "  P. IVA: ") +
-                          Sx(T(partitaIva), 16) + " " + Sx(T(descrizione), 60);
-    Valore numero(static_cast<long long>(std::max<int32_t>(1, NullToZeroLng(daNumero))));
-    long primo = NullToZeroLng(numero);
-    ImpaginaSemplice(filePag, fileNum, a.avar_RighePagina, 2, testata, 3, "", 2, std::to_string(a.avar_Anno), numero);
-    prossimoFoglio = NullToZeroLng(numero);
-    fogliStampati = prossimoFoglio - primo;
+    auto numerati = fogli->NumeraFogli(filePag, fileNum, a.avar_RighePagina, Valore(tipoFoglio), Valore(registroFoglio),
+                                       Valore(numRegLiq), a.avar_Anno, a.clientID, a.hWnd);
+    prossimoFoglio = numerati.prossimo;
+    fogliStampati = numerati.prossimo - numerati.primo;
     finale = fileNum;
   }
 
   FileStampa stampa(a.nomeFile);
-  {
-    std::ifstream in(finale, std::ios::binary);
-    if (!in) throw ErroreStampa("Impossibile leggere il file " + finale);
-    stampa.Flusso() << in.rdbuf();
-    if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
-  }
+  CopiaInStampa(finale, stampa, a.nomeFile);
 
   if (definitiva) {
     // The carried balances, the period's row, the communication and the sheets: together.

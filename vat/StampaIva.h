@@ -1,0 +1,66 @@
+// What the VAT prints share: the text of their fields, the company lines of their page head,
+// the objects a print makes when the caller gives none, and the copy of the laid-out pages
+// into the print's file.
+#pragma once
+#include <array>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "company/clsAnagraficaAzienda.h"
+#include "frame/Comuni.h"
+#include "frame/FileVorn.h"
+#include "frame/Importo.h"
+#include "frame/Valore.h"
+
+namespace vorn::stampa_iva {
+
+inline std::string T(const Valore& v) { return Trim(v.Testo()); }
+inline Importo Imp(const Valore& v) { return NullToZeroCy(v); }
+// Left-aligned and right-aligned in n characters (the value trimmed).
+inline std::string Sx(const std::string& s, int n) { return PadSinistra(Valore(s), n); }
+inline std::string Dx(const std::string& s, int n) { return PadDestra(Valore(s), n); }
+// Padded or cut to n characters, leading blanks kept.
+inline std::string Largo(const std::string& s, int n) {
+  size_t l = LunghezzaTesto(s), w = static_cast<size_t>(n);
+  return l >= w ? SinistraTesto(s, w) : s + std::string(w - l, ' ');
+}
+inline std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
+// A column's amount; nothing for a null one.
+inline std::string Cifra(const Valore& v) { return v.IsNull() || v.IsEmpty() ? "" : Cifra(Imp(v)); }
+
+// The caller's object, or one of the print's own on its connection.
+template <class C>
+C* Usa(C* dato, std::unique_ptr<C>& proprio, const std::shared_ptr<Connessione>& cn) {
+  if (dato) return dato;
+  proprio = std::make_unique<C>();
+  proprio->cn = cn;
+  return proprio.get();
+}
+
+// The two company lines of a page head: name and fiscal domicile; VAT number, fiscal code and
+// place of business.
+inline std::array<std::string, 2> RigheAzienda(clsAnagraficaAzienda& anagrafica) {
+  std::string ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva;
+  anagrafica.GetDatiFiscaliAzienda(ragione, indEs, capEs, locEs, provEs, indDom, capDom, locDom, provDom, cf, piva);
+  return {" Azienda: " + Sx(ragione, 40) + "  Domicilio Fiscale: " + Sx(indDom, 25) + " " + Sx(capDom, 5) + " " +
+              Sx(locDom, 25) + " " + Sx(provDom, 2),
+          " Par.IVA: " + Sx(piva, 11) + " Cod.Fiscale: " + Sx(cf, 16) + " Ubicaz. Esercizio: " + Sx(indEs, 25) + " " +
+              Sx(capEs, 5) + " " + Sx(locEs, 25) + " " + Sx(provEs, 2)};
+}
+
+// The foot of every page.
+inline std::string PiedeElaborato(const std::string& AzRagSoc, const std::string& AzParIva) {
+  return "************************  ELABORATO PRESSO : " + AzRagSoc + " P. IVA: " + AzParIva +
+         "  ************************";
+}
+
+// The laid-out pages into the print's file (named only at its Chiudi()).
+inline void CopiaInStampa(const std::string& pagine, FileStampa& stampa, const std::string& nomeFile) {
+  std::ifstream in(pagine, std::ios::binary);
+  if (!in) throw ErroreStampa("Impossibile leggere il file " + pagine);
+  stampa.Flusso() << in.rdbuf();
+  if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + nomeFile);
+}
+
+}  // namespace vorn::stampa_iva
