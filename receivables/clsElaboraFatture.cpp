@@ -476,13 +476,12 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
   EsitoElaboraFatture esito;
   Connessione& c = *cn;
   const std::shared_ptr<Connessione>& conn = cn;
-  if (c.InTransazione())
-    throw ErroreDb(3246, "La contabilizzazione delle fatture apre una transazione per ogni documento: "
-                         "non può girare dentro la transazione del chiamante.");
   Collaboratori propri;
   propri.pn.cn = conn;
-  // Each document commits or rolls back whole: its rows need no savepoint of their own.
-  propri.pn.UnitaRecuperabili = false;
+  // Each document commits or rolls back whole: its rows need no savepoint of their own. Inside
+  // the caller's transaction a document is a savepoint level, and its rows keep theirs, so that
+  // a failed document does not spoil the caller's work.
+  propri.pn.UnitaRecuperabili = !c.InTransazione();
   propri.cau.cn = conn;
   propri.cli.cn = conn;
   propri.sal.cn = conn;
