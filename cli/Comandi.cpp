@@ -312,7 +312,12 @@ void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, A
     for (size_t i = 0; i < celle.size() && i < larghezza.size(); ++i) {
       int l = static_cast<int>(larghezza[i]);
       if (i) s += ' ';
-      s += testata[i].second == Allinea::Destra ? PadDestra(Valore(celle[i]), l) : PadSinistra(Valore(celle[i]), l);
+      if (testata[i].second == Allinea::Destra) {
+        s += PadDestra(Valore(celle[i]), l);
+      } else {
+        // Left-aligned as given: an indent of the cell stays.
+        s += celle[i] + std::string(static_cast<size_t>(l) - std::min(static_cast<size_t>(l), LunghezzaTesto(celle[i])), ' ');
+      }
     }
     while (!s.empty() && s.back() == ' ') s.pop_back();
     out << s << '\n';

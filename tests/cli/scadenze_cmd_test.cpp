@@ -82,3 +82,17 @@ TEST_P(ComandoScadenze, ScadenziarioConLeAperte) {
   auto aperte = Vorn("scadenziario", {"--cliente", "C1", "--aperte"}).second;
   EXPECT_NE(aperte.find("100,00   0,00  100,00"), std::string::npos) << aperte;
 }
+
+TEST_P(ComandoScadenze, PagamentiEBanche) {
+  EXPECT_EQ(Vorn("pagamenti", {}).second,
+            "Codice Descrizione Tipo         Rate Inizio Giorni   Prima rata\n"
+            "RB3                RB Ric.Banc.    3 FM     30/60/90\n");
+  // A bank and its agency, the agency under it.
+  cn->Esegui("INSERT INTO [Banche Clienti] ([Codice Banca], [Codice Agenzia], [Descrizione], [Codice ABI]) VALUES "
+             "('B1', '', 'Banca Uno', '01234'), ('B1', 'A1', 'Filiale Centro', '01234')");
+  EXPECT_EQ(Vorn("banche", {}).second,
+            "Banca Agenzia Descrizione      ABI   CAB BIC\n"
+            "B1            Banca Uno        01234\n"
+            "B1    A1        Filiale Centro 01234\n");
+  EXPECT_EQ(Vorn("banche", {"--azienda"}).second, "Nessuna banca dell'azienda.\n");
+}
