@@ -172,8 +172,18 @@ bool clsElaboraFatture::ScriviRecordPrimaNota(
   r["Cambio"] = Valore(CambioTmp);
   r["KeyScadenze"] = KeyScadenzeTmp;
   r["NumeroDocumentoEsteso"] = numeroDocumentoEstesoTmp;
-  r["Stringa10indicatori"] =
-      Valore(std::string(7, ' ') + objCausaliContabili.GetOperativitàCausaleContabile(CodiceCausaleTmp) + "  ");
+  std::string operativita;
+  if (cache_) {
+    auto it = cache_->operativita.find(T(CodiceCausaleTmp));
+    if (it == cache_->operativita.end())
+      it = cache_->operativita
+               .emplace(T(CodiceCausaleTmp), objCausaliContabili.GetOperativitàCausaleContabile(CodiceCausaleTmp))
+               .first;
+    operativita = it->second;
+  } else {
+    operativita = objCausaliContabili.GetOperativitàCausaleContabile(CodiceCausaleTmp);
+  }
+  r["Stringa10indicatori"] = Valore(std::string(7, ' ') + operativita + "  ");
   r["DataCompetenzaIVA"] = DataCompetenzaIvaTmp.IsDate() ? DataInTesto(DataCompetenzaIvaTmp) : competenza;
   for (const char* vuoto : {"ContropIvaIndeduc", "RegIvaCorrMonteAcq", "NoteRegistrazione", "TrasfMirk", "TrasfVorn",
                             "TrasfPelvo", "TrasfZQ"})
@@ -200,8 +210,20 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
     t[i].netto = Scontato(t[i].imponibile, s1, s2, sp, decimali);
   }
   // 2. Collection expenses with a VAT code of their own stay apart.
-  const std::string codiceIncasso = objTabRiferimenti.GetCodiceIvaSpeseIncasso();
-  const std::string codiceArt15 = objTabRiferimenti.GetCodiceIvaEsclusoArt15();
+  auto aliquotaDi = [&](const std::string& codice) -> std::optional<Importo> {
+    if (codice.empty()) return std::nullopt;
+    return NullToZeroCy(objCodiciIVA.GetAliquotaIva(Valore(codice)));
+  };
+  Cache letti;
+  Cache& k = cache_ ? *cache_ : letti;
+  if (!k.codiciLetti) {
+    k.codiceIncasso = objTabRiferimenti.GetCodiceIvaSpeseIncasso();
+    k.codiceArt15 = objTabRiferimenti.GetCodiceIvaEsclusoArt15();
+    k.aliqIncasso = aliquotaDi(k.codiceIncasso);
+    k.aliqArt15 = aliquotaDi(k.codiceArt15);
+    k.codiciLetti = true;
+  }
+  const std::string codiceIncasso = k.codiceIncasso, codiceArt15 = k.codiceArt15;
   Importo F = codiceIncasso.empty() ? Importo() : SpeseIncasso;
   // 3. The expenses to apportion by the rows' discounted taxable amounts.
   Importo E = SpeseTrasporto + SpeseAccessorie + (codiceIncasso.empty() ? SpeseIncasso : Importo());
@@ -210,11 +232,7 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
     return ArrotondaRapporto(static_cast<Int128>(netto.Raw()) * E.Raw(), static_cast<Int128>(TotaleRighe.Raw()),
                              decimali);
   };
-  auto aliquotaDi = [&](const std::string& codice) -> std::optional<Importo> {
-    if (codice.empty()) return std::nullopt;
-    return NullToZeroCy(objCodiciIVA.GetAliquotaIva(Valore(codice)));
-  };
-  const std::optional<Importo> aliqIncasso = aliquotaDi(codiceIncasso), aliqArt15 = aliquotaDi(codiceArt15);
+  const std::optional<Importo> aliqIncasso = k.aliqIncasso, aliqArt15 = k.aliqArt15;
   // 4. By rate. A row without a code takes no expense of its own: it would carry it out of the
   // VAT rows.
   bool Fcollocate = false, bolliCollocati = false;
@@ -513,6 +531,12 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     return esito;
   }
 
+  // The run's cache, dropped however the run ends.
+  cache_.emplace();
+  struct FineCorsa {
+    std::optional<Cache>& c;
+    ~FineCorsa() { c.reset(); }
+  } fineCorsa{cache_};
   const std::string tipoContabRicAcc = T(a.avar_TipoContabRicAcc);
   for (; !docs.Eof(); docs.MoveNext()) {
     auto campo = [&](const char* n) -> Valore { return docs(n).Value(); };
@@ -544,7 +568,12 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // 2.1 The client's account.
         const std::string tipoCliFor = T(campo("Tipo cli/for"));
         const std::string codiceCliente = T(campo("Codice Cliente"));
-        std::string contoCliente = T(cli.GetSottocontoCliFor(Valore("C"), Valore(codiceCliente)));
+        auto trovato = cache_->contiClienti.find(codiceCliente);
+        if (trovato == cache_->contiClienti.end())
+          trovato = cache_->contiClienti
+                        .emplace(codiceCliente, T(cli.GetSottocontoCliFor(Valore("C"), Valore(codiceCliente))))
+                        .first;
+        std::string contoCliente = trovato->second;
         if (contoCliente.empty()) {
           contoCliente = T(a.avar_ClientiStandard);
         } else if (!pn.ExistSottoconto(Valore(contoCliente.substr(0, 2)), Valore(MedioTesto(contoCliente, 3, 2)),

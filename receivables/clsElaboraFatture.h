@@ -18,6 +18,8 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -178,6 +180,17 @@ class clsElaboraFatture {
                               const Valore& CodiceCausaleAbbuoni, const Valore& ContoPrimaNota_Abbuoni,
                               const std::string& DareAvere_CliFor, const std::string& DareAvere_Abbuono,
                               const Valore& clientID, long hWnd);
+
+ private:
+  // What a run reads once instead of at every document or row: the causals' operativity, the
+  // clients' accounts, the VAT codes of collection expenses and stamps and their rates.
+  struct Cache {
+    std::map<std::string, std::string> operativita, contiClienti;
+    bool codiciLetti = false;
+    std::string codiceIncasso, codiceArt15;
+    std::optional<Importo> aliqIncasso, aliqArt15;
+  };
+  std::optional<Cache> cache_;
 };
 
 }  // namespace vorn

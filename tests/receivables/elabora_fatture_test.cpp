@@ -3,6 +3,8 @@
 // second run that finds nothing, balances that follow the journal, two runs at once.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -339,6 +341,54 @@ TEST_P(ElaboraFattureTest, RefusedDocumentsRollBackAloneAndTheRunGoesOn) {
   EXPECT_EQ(e2.Scartati, 2);
   EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] = 1"), 3);
   EXPECT_EQ(TrimTesto(cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota]")), "00002");
+}
+
+TEST_P(ElaboraFattureTest, AnUnexpectedFailureRollsBackItsDocumentOnly) {
+  // Document 1 is in a currency at 0,000001 to the euro. Its client row (100,00, that is
+  // 100.000.000,00 euros) is written; its revenue of 1.000.000.000,00 would be 10^15 euros,
+  // which no amount holds, and its conversion fails with a row already written. The document
+  // is undone and told, the next one posts.
+  std::string t1 = TabellaIva({{"22", "1000000000.00", "22"}});
+  Fattura({1, "02/03/2026", t1.c_str(), "100.00", "FATTURA", "", "0", "0", "0", "0", "0", "0", "0", "0", "USD",
+           0.000001});
+  Riga(1, "7001001", "022", "1000000000.00");
+  std::string t2 = TabellaIva({{"22", "100.00", "22"}});
+  Fattura({2, "03/03/2026", t2.c_str(), "122.00"});
+  Riga(2, "7001001", "022", "100.00");
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  EsitoElaboraFatture e = ef.ElaboraFatture(a);
+  EXPECT_EQ(cn->Livello(), 0);
+  EXPECT_EQ(e.Documenti, 1);
+  EXPECT_EQ(e.Scartati, 1);
+  ASSERT_EQ(e.Errori.size(), 1u);
+  EXPECT_EQ(e.Errori[0].rfind("Impossibile elaborare la fattura n. 1: ", 0), 0u) << e.Errori[0];
+  EXPECT_EQ(host->Messaggi()[0].stile, vbCritical);
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] = 1"), 0);
+  EXPECT_EQ(Giornale(2),
+            "00001 - 001 D 0501005 122.00 - 0.00 FTV -\n"
+            "00001 - 002 A 7001001 100.00 - 0.00 FTV -\n"
+            "00001 I 001 A 1401001 22.00 022 100.00 FTV -\n");
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
+}
+
+TEST_P(ElaboraFattureTest, UnprintedDocumentsAreListedAndNotPosted) {
+  std::string t = TabellaIva({{"22", "100.00", "22"}});
+  Fattura({7, "02/03/2026", t.c_str(), "122.00"});
+  Riga(7, "7001001", "022", "100.00");
+  ASSERT_TRUE(ef.Aggiorna_Campo_Generato_Scadenze(Valore("Fatture"), Valore(7), Valore(""), false));
+  std::string elenco = dir->Percorso() + "/nonstampate.txt";
+  ASSERT_TRUE(ef.PresentiFattureNonStampate(Valore("01/03/2026"), Valore("31/03/2026"), elenco));
+  EXPECT_EQ(LeggiFile(elenco),
+            "Le seguenti fatture risultano ancora non stampate \n"
+            "e quindi non contabilizzabili.                    \n" +
+                std::string(50, '-') + "\nFattura n. 7 del 02.03.2026\n" + std::string(50, '-') + "\n");
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  EXPECT_EQ(ef.ElaboraFatture(a).Documenti, 0);
+  EXPECT_EQ(host->Ultimo(), "Nessuna fattura da elaborare.");
+  // Printed, it is no longer listed and it posts.
+  ASSERT_TRUE(ef.Aggiorna_Campo_Generato_Scadenze(Valore("Fatture"), Valore(7), Valore(""), true));
+  EXPECT_FALSE(ef.PresentiFattureNonStampate(Valore("01/03/2026"), Valore("31/03/2026"), elenco));
+  EXPECT_EQ(ef.ElaboraFatture(a).Documenti, 1);
 }
 
 TEST_P(ElaboraFattureTest, TheVatTableApportionsAndSummarises) {
