@@ -391,6 +391,25 @@ TEST_P(ElaboraFattureTest, UnprintedDocumentsAreListedAndNotPosted) {
   EXPECT_EQ(ef.ElaboraFatture(a).Documenti, 1);
 }
 
+TEST_P(ElaboraFattureTest, ADocumentWithoutRevenueLinesStillPosts) {
+  // No warehouse rows: a row of 0 on the standard revenue account, and the user is told. The
+  // VAT row stands as the table gives it (50,00 at 10% = 5,00). The messages write the series
+  // with its slash after it, as every message of the documents does.
+  std::string t = TabellaIva({{"10", "50.00", "10"}});
+  Fattura({5, "02/03/2026", t.c_str(), "55.00"});
+  cn->Esegui("UPDATE [Fatture] SET [Serie] = 'B' WHERE [Numero] = 5");
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  EXPECT_EQ(ef.ElaboraFatture(a).Documenti, 1);
+  ASSERT_EQ(host->Messaggi().size(), 2u);
+  EXPECT_EQ(host->Messaggi()[0].testo,
+            "Attenzione per il documento n. 5B/ non sono state rilevate contropartite di ricavo.");
+  EXPECT_EQ(Giornale(5),
+            "00001 - 001 D 0501005 55.00 - 0.00 FTV -\n"
+            "00001 - 002 A 7001001 0.00 - 0.00 FTV -\n"
+            "00001 I 001 A 1401001 5.00 010 50.00 FTV -\n");
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Elaborata] = " + std::string(Pg() ? "TRUE" : "1")), 1);
+}
+
 TEST_P(ElaboraFattureTest, TheVatTableApportionsAndSummarises) {
   clsTabRiferimenti rif;
   rif.cn = cn;
@@ -414,6 +433,11 @@ TEST_P(ElaboraFattureTest, TheVatTableApportionsAndSummarises) {
   EXPECT_EQ(t[2].iva, I("9.98"));
   EXPECT_EQ(t[3].codice, "E15");
   EXPECT_EQ(t[3].spese, I("2.00"));
+  // Five codes already: collection expenses of a rate no row has find no room, and say so.
+  TabellaIvaDocumento pieno = TabellaIvaDocumento::DaTesto(TabellaIva(
+      {{"10", "1", "10"}, {"4", "1", "4"}, {"5", "1", "5"}, {"11", "1", "0"}, {"12", "1", "0"}}));
+  EXPECT_FALSE(ef.CompletaTabellaIva(rif, iva, pieno, 0, 0, 0, I("3.00"), I("0"), I("0"), I("5.00"), I("0"), 2));
+  EXPECT_EQ(host->Ultimo(), "Impossibile gestire piu' di 5 codici iva.");
   // The summary merges a gift code with its base.
   ef.TabellaIvaRiepilogata = TabellaIvaDocumento{};
   ef.CompilaTabellaIvaRiepilogata("022", I("22"), I("100"), I("22"), I("0"));
