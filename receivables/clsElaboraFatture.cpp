@@ -558,12 +558,28 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
 
     std::optional<Rifiuto> rifiuto;
     std::string errore;
+    bool giaFatto = false;  // posted by another run meanwhile
     try {
       ConRiprova(c, [&] {
         messaggi.clear();
         registrazioni = 0;
         rifiuto.reset();
+        giaFatto = false;
         Atomico unita(c, true);
+        // The document is claimed first: a run that meets it already posted (by another run
+        // since this one read the list) leaves it alone. On PostgreSQL the claim waits for the
+        // other run's transaction and then finds the stamp.
+        {
+          Parametri p{Valore(true)};
+          std::string w = FiltroFattura(p, numero, serieGrezza);
+          p.push_back(Valore(false));
+          if (c.Esegui("UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
+                           " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",
+                       p) == 0) {
+            giaFatto = true;
+            return;
+          }
+        }
 
         // 2.1 The client's account.
         const std::string tipoCliFor = T(campo("Tipo cli/for"));
@@ -837,8 +853,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                   Valore(""), "Omaggi");
         }
 
-        // 2.9 Posted, with the commit.
-        Aggiorna_Campo_Fattura_Elaborata(Valore("Fatture"), numDoc, serieGrezza, true);
+        // 2.9 Posted (the stamp of the claim), with the commit.
         unita.Conferma();
       });
     } catch (const Rifiuto& r) {
@@ -866,6 +881,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
       if (!c.Aperta()) break;
       continue;
     }
+    if (giaFatto) continue;
     mostra();
     ++esito.Documenti;
     esito.Registrazioni += registrazioni;

@@ -512,6 +512,34 @@ TEST_P(ElaboraFattureTest, TwoRunsAtOnceGetDistinctNumbersAndPostEverything) {
             kDocumenti);
   OgniRegistrazioneQuadra();
   for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
+
+  // Two runs over the same range at once: each document is posted by one of them only.
+  for (int n = kDocumenti + 1; n <= kDocumenti + 20; ++n) {
+    Fattura({n, "05/05/2026", t.c_str(), "122.00"});
+    Riga(n, "7001001", "022", "100.00");
+  }
+  ImpostaHost(&condiviso);
+  th.clear();
+  for (int k = 0; k < 2; ++k)
+    th.emplace_back([&, k] {
+      try {
+        auto c = AltraConnessione();
+        clsElaboraFatture e;
+        e.cn = c;
+        auto a = Argomenti("01/05/2026", "31/05/2026");
+        esiti[static_cast<size_t>(k)] = e.ElaboraFatture(a);
+      } catch (const std::exception& x) {
+        errori[static_cast<size_t>(k)] = x.what();
+      }
+    });
+  for (auto& x : th) x.join();
+  ImpostaHost(host.get());
+  EXPECT_EQ(errori[0] + errori[1], "");
+  EXPECT_EQ(esiti[0].Documenti + esiti[1].Documenti, 20);
+  EXPECT_EQ(esiti[0].Scartati + esiti[1].Scartati, 0);
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota]"), 5 * kDocumenti + 3 * 20);
+  EXPECT_EQ(Righe("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota]"), 2 * kDocumenti + 20);
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
 VORN_SU_DUE_MOTORI(ElaboraFattureTest);
