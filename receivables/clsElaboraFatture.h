@@ -6,6 +6,8 @@
 //
 // Each document is one transaction of its own: its registrations, their balance movement, the
 // payments on its instalments and its [Elaborata] stamp are committed together or not at all.
+// The stamp is set first, where it is still clear, so that a document another run is posting
+// at the same time is left to it: two runs over the same range post each document once.
 // A document refused by a check is rolled back alone and the run goes on; a document that
 // fails for a deadlock or a serialization failure is run again from the start; any other
 // failure rolls the document back, is told, and the run goes on. Entry numbers are taken
