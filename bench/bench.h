@@ -7,3 +7,6 @@ int BenchMastrini(int argc, char** argv);
 
 // The VAT registers of a year over a large journal, against a plain read of their rows.
 int BenchRegistriIva(int argc, char** argv);
+
+// Invoice posting, one durable commit per document, against a raw insert of the same rows.
+int BenchElaboraFatture(int argc, char** argv);

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The benchmarks: builds, starts a throwaway PostgreSQL, runs vorn_bench with the given
 # arguments (default: posting at 10,000 and 100,000 entries, the rebuild of a million rows,
-# the ledger cards, the VAT registers of a year over a million rows), stops the server.
+# the ledger cards, the VAT registers of a year over a million rows, the posting of 10,000
+# invoices), stops the server.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -18,3 +19,4 @@ if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" --righe 1000 --ricostruzione 1000000 --motore entrambi
 "$B" mastrini --motore entrambi
 "$B" registri-iva --motore entrambi
+"$B" elabora-fatture --documenti 10000 --motore entrambi
