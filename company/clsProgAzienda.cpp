@@ -5,6 +5,7 @@
 #include "company/LetturaAzienda.h"
 #include "company/PresaNumero.h"
 #include "company/clsParametriAzienda.h"
+#include "frame/Catalogo.h"
 #include "frame/Comuni.h"
 #include "frame/VornServer.h"
 
@@ -308,15 +309,9 @@ int32_t clsProgAzienda::PrendiNumeroRegistrazione() {
   c.tabella = kProgressivi;
   c.colonna = "UltimaRegistrazionePN";
   // Entry numbers are texts of digits: the highest read as a number, text that is no number
-  // left out.
-  if (cn->IsPostgres())
-    c.sqlMassimo =
-        "SELECT MAX(CAST(trim([NumeroRegistrazione]) AS BIGINT)) FROM [Prima Nota] "
-        "WHERE trim([NumeroRegistrazione]) ~ '^[0-9]{1,18}$'";
-  else
-    c.sqlMassimo =
-        "SELECT MAX(CAST(trim([NumeroRegistrazione]) AS INTEGER)) FROM [Prima Nota] "
-        "WHERE trim([NumeroRegistrazione]) <> '' AND trim([NumeroRegistrazione]) NOT GLOB '*[^0-9]*'";
+  // left out. The expression is the one of the catalogue's index, which answers the MAX
+  // without reading the journal.
+  c.sqlMassimo = "SELECT MAX(" + EspressioneNumeroRegistrazione(cn->IsPostgres()) + ") FROM [Prima Nota]";
   return PrendiNumero(*cn, c);
 }
 

@@ -719,6 +719,19 @@ const std::vector<IndiceCatalogo>& IndiciCatalogo() {
   return i;
 }
 
+std::string EspressioneNumeroRegistrazione(bool postgres) {
+  if (postgres)
+    return "CASE WHEN trim([NumeroRegistrazione]) ~ '^[0-9]{1,18}$' THEN CAST(trim([NumeroRegistrazione]) AS BIGINT) "
+           "END";
+  return "CASE WHEN trim([NumeroRegistrazione]) <> '' AND trim([NumeroRegistrazione]) NOT GLOB '*[^0-9]*' THEN "
+         "CAST(trim([NumeroRegistrazione]) AS INTEGER) END";
+}
+
+std::string SqlIndiceNumeroRegistrazione(bool postgres) {
+  return std::string("CREATE INDEX [") + kIndiceNumeroRegistrazione + "] ON [Prima Nota] ((" +
+         EspressioneNumeroRegistrazione(postgres) + "))";
+}
+
 std::string TipoSql(TipoCampo tipo) {
   switch (tipo) {
     case TipoCampo::Importo:

@@ -55,6 +55,15 @@ const std::vector<IndiceCatalogo>& IndiciCatalogo();
 // The table of that name (without regard to case), or nullptr.
 const TabellaCatalogo* TabellaCatalogoDi(std::string_view nome);
 
+// The number of a journal entry read from its text: the trimmed text when it is digits only
+// (up to 18 on PostgreSQL), as a whole number; Null for any other text. The index below holds
+// it, so that the highest entry number in use is found without reading the journal:
+// SELECT MAX(<expression>) FROM [Prima Nota] is answered by the index on both engines.
+std::string EspressioneNumeroRegistrazione(bool postgres);
+inline constexpr const char* kIndiceNumeroRegistrazione = "ix_pn_numreg_num";
+// CREATE INDEX of that index on the engine of `postgres`.
+std::string SqlIndiceNumeroRegistrazione(bool postgres);
+
 // The DDL type of a kind, the same word on both engines.
 std::string TipoSql(TipoCampo tipo);
 

@@ -110,6 +110,7 @@ void CreaSchema(Connessione& cn) {
   Atomico a(cn);
   for (const auto& t : TabelleCatalogo()) cn.Esegui(SqlCreaTabella(cn, t.nome));
   for (const auto& i : IndiciCatalogo()) cn.Esegui(SqlIndice(i));
+  cn.Esegui(SqlIndiceNumeroRegistrazione(cn.IsPostgres()));
   for (const auto& v : VisteCatalogo()) cn.Esegui(SqlVista(v));
   a.Conferma();
   cn.DimenticaSchema();
@@ -137,6 +138,10 @@ std::vector<std::string> AssicuraSchema(Connessione& cn) {
     if (EsisteIndice(cn, i.nome)) continue;
     cn.Esegui(SqlIndice(i));
     aggiunte.push_back("indice " + i.nome);
+  }
+  if (!EsisteIndice(cn, kIndiceNumeroRegistrazione) && Contiene(cn.Tabelle(), "Prima Nota")) {
+    cn.Esegui(SqlIndiceNumeroRegistrazione(cn.IsPostgres()));
+    aggiunte.push_back(std::string("indice ") + kIndiceNumeroRegistrazione);
   }
   for (const auto& v : VisteCatalogo()) {
     if (Contiene(esistenti, v.nome)) continue;

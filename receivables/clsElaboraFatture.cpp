@@ -296,12 +296,19 @@ void clsElaboraFatture::CompilaTabellaIvaRiepilogata(const std::string& codice, 
 // ---------------------------------------------------------------- stamps
 
 namespace {
-// One document of [Fatture] by its key: the series as stored, an empty one also as Null.
-std::string FiltroFattura(Parametri& p, const Valore& NumeroDocumento, const Valore& SerieDocumento) {
+// One document of [Fatture] by its key, in a form the key's index answers: a series of Null
+// finds Null, an empty or blank one finds '' and Null (unless `esatta`: the series as stored),
+// any other its text as given.
+std::string FiltroFattura(Parametri& p, const Valore& NumeroDocumento, const Valore& SerieDocumento,
+                          bool esatta = false) {
   p.push_back(Valore(static_cast<long long>(NullToZeroLng(NumeroDocumento))));
-  std::string serie = SerieDocumento.IsNull() || SerieDocumento.IsEmpty() ? std::string() : SerieDocumento.Testo();
-  if (Trim(serie).empty()) return "[Fatture].[Numero] = ? AND ([Fatture].[Serie] = '' OR [Fatture].[Serie] IS NULL "
-                                 "OR TRIM([Fatture].[Serie]) = '')";
+  if (SerieDocumento.IsNull()) return "[Fatture].[Serie] IS NULL AND [Fatture].[Numero] = ?";
+  std::string serie = SerieDocumento.IsEmpty() ? std::string() : SerieDocumento.Testo();
+  if (Trim(serie).empty() && !esatta) {
+    p.push_back(p.back());
+    return "(([Fatture].[Serie] = '' AND [Fatture].[Numero] = ?) OR ([Fatture].[Serie] IS NULL AND "
+           "[Fatture].[Numero] = ?))";
+  }
   p.push_back(Valore(serie));
   return "[Fatture].[Numero] = ? AND [Fatture].[Serie] = ?";
 }
@@ -571,7 +578,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // other run's transaction and then finds the stamp.
         {
           Parametri p{Valore(true)};
-          std::string w = FiltroFattura(p, numero, serieGrezza);
+          std::string w = FiltroFattura(p, numero, serieGrezza, true);
           p.push_back(Valore(false));
           if (c.Esegui("UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
                            " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",

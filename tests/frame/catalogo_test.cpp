@@ -149,7 +149,10 @@ TEST_P(Schema, AssicuraSchemaAggiungeSoloCioCheManca) {
 
 TEST_P(Schema, AssicuraSchemaSuDatabaseVuotoCreaTutto) {
   auto aggiunte = AssicuraSchema(*cn);
-  EXPECT_EQ(aggiunte.size(), TabelleCatalogo().size() + VisteCatalogo().size() + IndiciCatalogo().size());
+  // The indexes of the catalogue, and the one on the entry number read as a number.
+  EXPECT_EQ(aggiunte.size(), TabelleCatalogo().size() + VisteCatalogo().size() + IndiciCatalogo().size() + 1);
+  EXPECT_NE(std::find(aggiunte.begin(), aggiunte.end(), std::string("indice ") + kIndiceNumeroRegistrazione),
+            aggiunte.end());
   EXPECT_TRUE(AssicuraSchema(*cn).empty());
 }
 
