@@ -9,12 +9,17 @@
 #include <set>
 #include <thread>
 
+#include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
-#include "company/clsTabRiferimenti.h"
 #include "ledger/VerificaSaldi.h"
+#include "ledger/clsCausaliContabili.h"
+#include "ledger/clsPrimaNota.h"
+#include "masterdata/clsClientiFornitori.h"
 #include "masterdata/clsCodiciIva.h"
 #include "receivables/clsElaboraFatture.h"
+#include "receivables/clsSaldaconto.h"
+#include "receivables/clsScadenze.h"
 #include "support/Azienda.h"
 
 namespace vorn::test {
@@ -408,6 +413,39 @@ TEST_P(ElaboraFattureTest, ADocumentWithoutRevenueLinesStillPosts) {
             "00001 - 002 A 7001001 0.00 - 0.00 FTV -\n"
             "00001 I 001 A 1401001 5.00 010 50.00 FTV -\n");
   EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Elaborata] = " + std::string(Pg() ? "TRUE" : "1")), 1);
+}
+
+TEST_P(ElaboraFattureTest, AnAllowanceOnAnInstalmentClosesIt) {
+  // An open instalment of 100,00 of invoice 3; an allowance of 0,40 on it: the client in
+  // credit, the allowance account in debit, the instalment paid by 0,40 in one payment row.
+  cn->Esegui("INSERT INTO [Scadenziario] ([Tipo], [Codice Cliente], [Numero Documento], [Serie], [Data Documento], "
+             "[Numero Progressivo], [Data Scadenza], [Tipo di Effetto], [Importo Scadenza], [Importo Pagato], "
+             "[Codice valuta], [Cambio]) VALUES ('CL', 'C1', 3, '', ?, 31, ?, 'RB', 100, 0, '', 1)",
+             {Valore("02/03/2026"), Valore("30/04/2026")});
+  clsPrimaNota pn;
+  pn.cn = cn;
+  clsCausaliContabili cau;
+  cau.cn = cn;
+  clsClientiFornitori cli;
+  cli.cn = cn;
+  clsSaldaconto sal;
+  sal.cn = cn;
+  clsScadenze sca;
+  sca.cn = cn;
+  EXPECT_EQ(ef.ContabilizzaAbbuono(nullptr, pn, cau, cli, sal, sca, Valore("0501001"), Valore(""), Valore(99), I("0.40"),
+                                   Valore("ABB"), Valore("6401004"), "A", "D", Valore("prova"), 0),
+            0);
+  EXPECT_EQ(ef.ContabilizzaAbbuono(nullptr, pn, cau, cli, sal, sca, Valore("0501001"), Valore(""), Valore(31), I("0.40"),
+                                   Valore("ABB"), Valore("6401004"), "A", "D", Valore("prova"), 0),
+            1);
+  EXPECT_EQ(Giornale(3),
+            "00001 - 001 A 0501005 0.40 - 0.00 ABB 31\n"
+            "00001 - 002 D 6401004 0.40 - 0.00 ABB -\n");
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo Pagato] FROM [Scadenziario] WHERE [Numero Progressivo] = 31")),
+            I("0.40"));
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Scadenziario Pagamenti] WHERE [Numero Progressivo] = 31"), 1);
+  OgniRegistrazioneQuadra();
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
 TEST_P(ElaboraFattureTest, TheVatTableApportionsAndSummarises) {
