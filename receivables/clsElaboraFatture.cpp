@@ -29,7 +29,7 @@ std::string T(const Valore& v) { return TrimTesto(v); }
 // A percentage as the documents keep it (single precision) to four decimals: 12.5 -> 12,5000.
 Importo Percentuale(const Valore& v) { return Importo::DaDouble(static_cast<double>(NullToZeroSng(v))); }
 
-// 1 - p/100 as a fraction over 1,000,000 (p in ten-thousandths of a percent).
+// - p/100 as a fraction over 1,000,000 (p in ten-thousandths of a percent).
 int64_t FattoreSconto(Importo p) { return 1000000 - p.Raw(); }
 
 // a x (1 - s1/100) x (1 - s2/100) x (1 - s3/100), worked out exactly and rounded once.
@@ -204,12 +204,12 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
   const Importo s1 = Importo::DaDouble(static_cast<double>(static_cast<float>(ScontoCliente1)));
   const Importo s2 = Importo::DaDouble(static_cast<double>(static_cast<float>(ScontoCliente2)));
   const Importo sp = Importo::DaDouble(static_cast<double>(static_cast<float>(ScontoPagamento)));
-  // 1. The discounts one upon the other, each taxable amount worked out exactly and rounded once.
+  // The discounts one upon the other, each taxable amount worked out exactly and rounded once.
   for (int i = 1; i <= 5; ++i) {
     t[i].nettoSconti = Scontato(t[i].imponibile, s1, s2, Importo(), decimali);
     t[i].netto = Scontato(t[i].imponibile, s1, s2, sp, decimali);
   }
-  // 2. Collection expenses with a VAT code of their own stay apart.
+  // Collection expenses with a VAT code of their own stay apart.
   auto aliquotaDi = [&](const std::string& codice) -> std::optional<Importo> {
     if (codice.empty()) return std::nullopt;
     return NullToZeroCy(objCodiciIVA.GetAliquotaIva(Valore(codice)));
@@ -225,7 +225,7 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
   }
   const std::string codiceIncasso = k.codiceIncasso, codiceArt15 = k.codiceArt15;
   Importo F = codiceIncasso.empty() ? Importo() : SpeseIncasso;
-  // 3. The expenses to apportion by the rows' discounted taxable amounts.
+  // The expenses to apportion by the rows' discounted taxable amounts.
   Importo E = SpeseTrasporto + SpeseAccessorie + (codiceIncasso.empty() ? SpeseIncasso : Importo());
   auto quota = [&](Importo netto) {
     if (TotaleRighe.Zero()) return Importo();
@@ -233,7 +233,7 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
                              decimali);
   };
   const std::optional<Importo> aliqIncasso = k.aliqIncasso, aliqArt15 = k.aliqArt15;
-  // 4. By rate. A row without a code takes no expense of its own: it would carry it out of the
+  // By rate. A row without a code takes no expense of its own: it would carry it out of the
   // VAT rows.
   bool Fcollocate = false, bolliCollocati = false;
   for (int i = 1; i <= 5; ++i) {
@@ -248,9 +248,9 @@ bool clsElaboraFatture::CompletaTabellaIva(clsTabRiferimenti& objTabRiferimenti,
       t[i].spese = q;
     }
   }
-  // 5. The VAT of each row, rounded once.
+  // The VAT of each row, rounded once.
   for (int i = 1; i <= 5; ++i) t[i].iva = Imposta(t[i].netto + t[i].spese, t[i].aliquota, decimali);
-  // 6, 7. What was not placed takes the first free row.
+  // What was not placed takes the first free row.
   bool ok = true;
   auto colloca = [&](Importo importo, const std::string& codice) {
     for (int i = 1; i <= 5; ++i) {
@@ -527,7 +527,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
   Valore daData = DataIngresso(a.avar_DaData, "dalla data"), aData = DataIngresso(a.avar_AData, "alla data");
   Valore dataContab = DataIngresso(a.avar_DataContabilizzazione, "data di contabilizzazione");
 
-  // 1. The documents of the range, printed, not posted, not of kinds 8 to 11.
+  // The documents of the range, printed, not posted, not of kinds 8 to 11.
   Recordset docs = c.Execute(
       "SELECT * FROM [Fatture] WHERE [Fatture].[Data] BETWEEN ? AND ? AND ([Fatture].[Elaborata] = ? OR "
       "[Fatture].[Elaborata] IS NULL) AND [Fatture].[Stampata] = '1' AND COALESCE([Fatture].[Tipo fattura], 0) NOT IN "
@@ -588,7 +588,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
           }
         }
 
-        // 2.1 The client's account.
+        // The client's account.
         const std::string tipoCliFor = T(campo("Tipo cli/for"));
         const std::string codiceCliente = T(campo("Codice Cliente"));
         auto trovato = cache_->contiClienti.find(codiceCliente);
@@ -606,11 +606,11 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                      " non esistente nel piano dei conti.",
                  "ElaborazioneFatture", vbInformation, false);
         }
-        // 2.2 Sides and default causal.
+        // Sides and default causal.
         const bool notaCredito = UgualeNoCase(T(campo("Tipo documento")), "NOTA CREDITO");
         const std::string latoDoc = notaCredito ? "A" : "D", latoOpposto = notaCredito ? "D" : "A";
         std::string causale = T(notaCredito ? a.avar_CausaleNoteCredito : a.avar_CausaleFatture);
-        // 2.3 The document's causal and the VAT account.
+        // The document's causal and the VAT account.
         Valore contoIva = a.avar_IvaVendite;
         std::string tipoRegistro = "1", numRegistro = "01";
         const std::string causaleDoc = T(campo("Causale Contabile"));
@@ -643,7 +643,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
           numRegistro = T(proposto);
           if (numRegistro.empty() || numRegistro == "0" || numRegistro == "00") numRegistro = "01";
         }
-        // 2.4 Progress and the dates.
+        // Progress and the dates.
         msgbar("Elaborazione fattura n. " + numSerie + " del " + DataInTesto(dataDoc).Testo());
         if (!dataDoc.IsDate())
           throw Rifiuto{"Impossibile elaborare la fattura n. " + numSerie + " data documento non indicata."};
@@ -678,7 +678,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                                     Valore(MedioTesto(conto, 3, 2)), Valore(MedioTesto(conto, 5, 3)));
         };
 
-        // 2.5 The main registration.
+        // The main registration.
         const int32_t nReg = pn.GetNumeroNuovaRegistrazionePrimaNota();
         ++registrazioni;
         const Valore vReg = Valore(Format(Valore(nReg), "00000"));
@@ -774,13 +774,13 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                  r.netto + r.spese, Valore(r.codice), Valore(tipoCliFor), Valore(codiceCliente),
                  Valore(tipoRegistro), Valore(numRegistro), totale, Valore(), numDoc);
         }
-        // 2.6 The registers' counters and the registration on the first instalment.
+        // The registers' counters and the registration on the first instalment.
         pn.AggiornaProgressiviPrimaNota(vReg, dataReg, Valore(tipoRegistro), Valore(numRegistro), serie, numDoc, dataDoc,
                                         numDoc, a.clientID, a.hWnd);
         const Valore tipoSca = Valore(tipoCliFor == "F" ? "FO" : "CL");
         UpdateDatiRegistrazioneInScadenza(tipoSca, Valore(codiceCliente), dataDoc, serie, numDoc, nReg, dataReg);
 
-        // 2.7, 2.8 The amounts the document settles at once.
+        // The amounts the document settles at once.
         auto saldo = [&](Importo importo, const char* tipoEff, const char* nota, const Valore& caus,
                          const Valore& contoAltro, const Valore& descrizione, const char* etichetta,
                          Importo iva = Importo(), const Valore& contoIvaAltro = Valore()) {
@@ -860,7 +860,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                   Valore(""), "Omaggi");
         }
 
-        // 2.9 Posted (the stamp of the claim), with the commit.
+        // Posted (the stamp of the claim), with the commit.
         unita.Conferma();
       });
     } catch (const Rifiuto& r) {
