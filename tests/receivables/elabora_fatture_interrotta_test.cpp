@@ -1,5 +1,6 @@
-// A posting run killed at random moments, on both engines: a child process posts a few hundred
-// sample documents and gets SIGKILL after a random delay, several rounds. After each kill every
+// A posting run killed at random moments, on both engines: a child process (this program forked,
+// or vorn contabilizza-fatture) posts a few hundred sample documents and gets SIGKILL after a
+// random delay, several rounds. After each kill every
 // document is whole (its journal rows, balanced, with the instalment stamped with its
 // registration and [Elaborata] set) or absent (no journal row with its number and series, no
 // stamp, [Elaborata] not set), and the balances agree with the journal. The next run takes up
@@ -11,11 +12,14 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <random>
 #include <set>
 #include <thread>
 
+#include "cli/ComandoAzienda.h"
+#include "cli/Processi.h"
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
@@ -158,10 +162,14 @@ class ElaboraFattureInterrottaTest : public AziendaTest {
     return posted;
   }
 
+  void Giri(const std::function<pid_t()>& avvia, int massimoMs);
+
   EsitoFattureEsempio fatture;
 };
 
-TEST_P(ElaboraFattureInterrottaTest, OgniDocumentoIntegroOAssenteDopoUnKill) {
+// Rounds of a posting process started by `avvia` and killed after a random delay up to
+// `massimoMs`, each followed by the check; then a run in this process posts what is missing.
+void ElaboraFattureInterrottaTest::Giri(const std::function<pid_t()>& avvia, int massimoMs) {
   const long totale = static_cast<long>(fatture.documenti.size());
   unsigned seme = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
   if (const char* s = std::getenv("VORN_SEME_KILL")) seme = static_cast<unsigned>(std::strtoul(s, nullptr, 10));
@@ -174,10 +182,9 @@ TEST_P(ElaboraFattureInterrottaTest, OgniDocumentoIntegroOAssenteDopoUnKill) {
     cn->Close();
     cn.reset();
     G().ConnessioneGlobale.reset();
-    const int ritardoMs = std::uniform_int_distribution<int>(5, 200)(caso);
-    pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) Figlio();
+    const int ritardoMs = std::uniform_int_distribution<int>(5, massimoMs)(caso);
+    pid_t pid = avvia();
+    ASSERT_GT(pid, 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(ritardoMs));
     kill(pid, SIGKILL);
     int stato = 0;
@@ -209,6 +216,29 @@ TEST_P(ElaboraFattureInterrottaTest, OgniDocumentoIntegroOAssenteDopoUnKill) {
   EXPECT_EQ(0, e.Documenti);
   EXPECT_EQ(0, e.Registrazioni);
   EXPECT_EQ(totale, VerificaTuttoONiente("dopo un'elaborazione senza documenti"));
+}
+
+// The child is this test program, forked: ElaboraFatture on a connection of its own.
+TEST_P(ElaboraFattureInterrottaTest, ProcessoFiglioUcciso) {
+  Giri(
+      [this]() -> pid_t {
+        pid_t pid = fork();
+        if (pid == 0) Figlio();
+        return pid;
+      },
+      200);
+}
+
+// The child is the command as a user runs it: vorn contabilizza-fatture, which also connects
+// and loads the company before it posts.
+TEST_P(ElaboraFattureInterrottaTest, ComandoContabilizzaFattureUcciso) {
+  if (BinarioVorn().empty()) GTEST_SKIP() << "VORN_BIN non impostato: si prova sotto ctest";
+  std::vector<std::string> a =
+      RigaComando(dir->Percorso() + "/app", "contabilizza-fatture", Pg(), file, pg);
+  for (const std::string& s : {std::string("--dal"), fatture.dal.Testo(), std::string("--al"), fatture.al.Testo()})
+    a.push_back(s);
+  const std::string out = dir->Percorso() + "/out.txt", err = dir->Percorso() + "/err.txt";
+  Giri([&]() { return ProcessoVorn(a, out, err).Pid(); }, 400);
 }
 
 VORN_SU_DUE_MOTORI(ElaboraFattureInterrottaTest);
