@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -128,25 +129,20 @@ Misura MisuraMotore(bool pg, long n, uint64_t seme) {
     t0 = Orologio::now();
     EsitoElaboraFatture esito = ef.ElaboraFatture(a);
     m.posting = Secondi(t0);
-    if (esito.Documenti != n || esito.Scartati != 0) {
-      std::fprintf(stderr, "contabilizzati %ld documenti su %ld, %ld scartati%s%s\n", esito.Documenti, n,
-                   esito.Scartati, esito.Errori.empty() ? "" : ": ",
-                   esito.Errori.empty() ? "" : esito.Errori.front().c_str());
-      std::exit(1);
-    }
+    // A failure is thrown, so that the company is removed on the way out.
+    if (esito.Documenti != n || esito.Scartati != 0)
+      throw std::runtime_error("contabilizzati " + std::to_string(esito.Documenti) + " documenti su " +
+                               std::to_string(n) + ", " + std::to_string(esito.Scartati) + " scartati" +
+                               (esito.Errori.empty() ? std::string() : ": " + esito.Errori.front()));
     auto differenze = VerificaSaldi(*az.cn);
-    if (!differenze.empty()) {
-      std::fprintf(stderr, "saldi non allineati: %s\n", DescriviDifferenza(differenze[0]).c_str());
-      std::exit(1);
-    }
+    if (!differenze.empty()) throw std::runtime_error("saldi non allineati: " + DescriviDifferenza(differenze[0]));
     m.documenti = esito.Documenti;
     m.registrazioni = esito.Registrazioni;
     righe = RigheDocumenti(*az.cn);
     for (const auto& d : righe) m.righe += static_cast<long>(d.size());
-    if (static_cast<long>(righe.size()) != n) {
-      std::fprintf(stderr, "la prima nota ha righe di %zu documenti, non di %ld\n", righe.size(), n);
-      std::exit(1);
-    }
+    if (static_cast<long>(righe.size()) != n)
+      throw std::runtime_error("la prima nota ha righe di " + std::to_string(righe.size()) + " documenti, non di " +
+                               std::to_string(n));
   }
   {
     bench::AziendaBench az(pg, "fatture_grezzo");
