@@ -6,7 +6,7 @@
 // The company is the demo's (RiempiAziendaDemo from the standard model): N entries (320,000,
 // about a million journal rows, a quarter of them VAT rows) written once into an SQLite file
 // through the journal, then copied archive by archive into an empty company on each engine.
-// With --cache the SQLite file is kept in that folder under its size and seed and taken again
+// With --cache the SQLite file is kept in that folder under its size and starting number and taken again
 // by the next run of the same size (remove it when the demo or the standard model change).
 //
 // On each engine, for every month of the year: (a) the trial print of the sales and of the

@@ -12,13 +12,6 @@ namespace vorn::cli {
 
 namespace {
 
-std::vector<std::string> Campi(const std::string& riga) {
-  std::vector<std::string> c;
-  size_t p = 0;
-  for (size_t q; (q = riga.find('|', p)) != std::string::npos; p = q + 1) c.push_back(riga.substr(p, q - p));
-  return c;
-}
-
 Importo ImportoOpzione(Argomenti& a, const std::string& nome, bool obbligatorio) {
   auto v = a.Opzione(nome);
   if (!v) {
@@ -74,8 +67,8 @@ int Scadenze(Contesto& ctx) {
   s.GeneraScadenze(righe, n, d);
   std::vector<std::vector<std::string>> tabella;
   for (long i = 1; i <= n; ++i) {
-    auto c = Campi(righe[static_cast<size_t>(i)]);
-    if (c.size() == 20)
+    auto c = clsScadenze::CampiRiga(righe[static_cast<size_t>(i)]);
+    if (c.size() == clsScadenze::kCampiRata)
       tabella.push_back({std::to_string(tabella.size() + 1), c[0], c[1], c[2],
                          FormattaImporto(Valore(Importo::DaTestoPunto(c[13]).value_or(Importo())))});
   }

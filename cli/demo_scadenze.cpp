@@ -40,12 +40,11 @@ void Passo(ContestoDemo& ctx) {
             });
   clsScadenze s;
   s.cn = ctx.cn;
-  long rate = 0, lotto = 0;
+  long rate = 0;
   Importo totale;
-  bool cancel = false;
-  cn.BeginTrans();
-  try {
-    for (const auto& f : fatture) {
+  // The book of the year whole or not at all.
+  Atomico unita(cn);
+  for (const auto& f : fatture) {
       auto c = clienti.find(f.cliente);
       if (c == clienti.end() || !f.data.ComeData()) continue;
       DocumentoScadenze d;
@@ -58,44 +57,18 @@ void Passo(ContestoDemo& ctx) {
       std::vector<std::string> righe;
       long n = 0;
       s.GeneraScadenze(righe, n, d);
-      const int32_t documento = s.PrendiProgressivoDocumento();
-      for (long i = 1; i <= n; ++i) {
-        // The instalment row: kind and description | due date | amount | ... | stamp duty (14th).
-        std::vector<std::string> campi;
-        size_t p = 0;
-        for (size_t q; (q = righe[static_cast<size_t>(i)].find('|', p)) != std::string::npos; p = q + 1)
-          campi.push_back(righe[static_cast<size_t>(i)].substr(p, q - p));
-        if (campi.size() != 20) continue;
-        Importo importo = NullToZeroCy(ImportoIngresso(Valore(campi[2])));
-        Importo bollo = Importo::DaTestoPunto(campi[13]).value_or(Importo());
-        RecordValori r = {{"Progressivo Documento", Valore(static_cast<long long>(documento))},
-                          {"tipo", Valore("CL")},
-                          {"Codice Cliente", Valore(f.cliente)},
-                          {"Ragione Sociale", Valore(c->second.second)},
-                          {"Numero Documento", f.numero},
-                          {"Serie", Valore(f.serie)},
-                          {"Data Documento", f.data},
-                          {"Data Scadenza", Valore(campi[1])},
-                          {"Tipo di Effetto", Valore(campi[0].substr(0, 2))},
-                          {"Importo Documento", Valore(f.totale)},
-                          {"Importo Scadenza", Valore(importo)},
-                          {"Importo Pagato", Valore(Importo())},
-                          {"Importo Bollo", Valore(bollo)},
-                          {"numeroRegistrazione", Valore(f.registrazione)}};
-        s.SalvaRecord(r, Valore("demo"), 0, cancel);
-        ++rate;
-        totale += importo;
-      }
-      if (++lotto % 200 == 0) {
-        cn.CommitTrans();
-        cn.BeginTrans();
-      }
-    }
-    cn.CommitTrans();
-  } catch (...) {
-    cn.RollbackTrans();
-    throw;
+      rate += s.SalvaScadenzeGenerate(righe, 1, n,
+                                      {{"tipo", Valore("CL")},
+                                       {"Codice Cliente", Valore(f.cliente)},
+                                       {"Ragione Sociale", Valore(c->second.second)},
+                                       {"Numero Documento", f.numero},
+                                       {"Serie", Valore(f.serie)},
+                                       {"Data Documento", f.data},
+                                       {"Importo Documento", Valore(f.totale)},
+                                       {"numeroRegistrazione", Valore(f.registrazione)}},
+                                      Valore("demo"), 0, &totale);
   }
+  unita.Conferma();
   ctx.FineProgresso();
   ctx.out << "Scadenziario: " << rate << " rate di " << fatture.size() << " fatture di vendita, per "
           << FormattaImporto(Valore(totale)) << " (vorn scadenziario " << ctx.azienda << " --aperte)\n";

@@ -6,6 +6,7 @@
 #include "company/clsAnagraficaAzienda.h"
 #include "company/PresaNumero.h"
 #include "frame/Comuni.h"
+#include "frame/Host.h"
 #include "frame/Impaginazione.h"
 #include "frame/VornServer.h"
 
@@ -192,6 +193,16 @@ clsNumerazioneFogli::Fogli clsNumerazioneFogli::NumeraFogli(const std::string& i
   ImpaginaSemplice(ingresso, uscita, righe, 2, testata, 3, "", 2, std::to_string(anno), numero);
   f.prossimo = NullToZeroLng(numero);
   return f;
+}
+
+bool clsNumerazioneFogli::SalvaFogliStampati(const Valore& TipoStampa, const Valore& TipoRegistro,
+                                             const Valore& NumeroRegistro, int anno, long prossimo,
+                                             const Valore& clientID, long hWnd) {
+  if (SalvaUltimoNumero(TipoStampa, TipoRegistro, NumeroRegistro, Valore(anno), Valore(""),
+                        Valore(static_cast<long long>(prossimo)), clientID, hWnd))
+    return true;
+  Host().MsgBox("Errore in fase di aggiornamento ultimo numero pagina stampato", vbExclamation, "Numerazione fogli");
+  return false;
 }
 
 }  // namespace vorn

@@ -65,6 +65,11 @@ class clsNumerazioneFogli {
                     const Valore& TipoRegistro, const Valore& NumeroRegistro, int anno, const Valore& clientID,
                     long hWnd);
 
+  // SalvaUltimoNumero of the next sheet after a definitive print of a book (series empty); when
+  // it fails, the box that tells the user, and false.
+  bool SalvaFogliStampati(const Valore& TipoStampa, const Valore& TipoRegistro, const Valore& NumeroRegistro, int anno,
+                          long prossimo, const Valore& clientID, long hWnd);
+
   // Delete the rows of the VAT books ("R" and "L"), of the journal book ("G"), of the asset
   // book ("B"); the other books stay.
   bool AzzeraNumerazioneFogliIVA();

@@ -326,4 +326,15 @@ int32_t clsProgAzienda::PrendiProgressivoScadenze() {
   return PrendiNumero(*cn, c);
 }
 
+int32_t clsProgAzienda::PrendiProgressivoDocumenti() {
+  Contatore c;
+  c.tabella = kScadenze;
+  c.colonna = "ProgressivoPartite";
+  c.where = "[IndicatoreFisso] = ?";
+  c.parametri = {Valore("DOC")};
+  c.nuovaRiga = {{"IndicatoreFisso", Valore("DOC")}};
+  c.sqlMassimo = "SELECT MAX([Progressivo Documento]) FROM [Scadenziario]";
+  return PrendiNumero(*cn, c);
+}
+
 }  // namespace vorn

@@ -111,6 +111,9 @@ class clsProgAzienda {
   // The next due-date number: one above the higher of the 'SCA' row's Progressivo and the
   // highest [Numero Progressivo] of [Scadenziario], written to the 'SCA' row.
   int32_t PrendiProgressivoScadenze();
+  // The next document number of the due-date book: one above the higher of the 'DOC' row's
+  // ProgressivoPartite and the highest [Progressivo Documento] of [Scadenziario], written back.
+  int32_t PrendiProgressivoDocumenti();
 
  private:
   bool AggiornaRiga(const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna);

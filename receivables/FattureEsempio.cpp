@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "frame/Casuale.h"
 #include "frame/Comuni.h"
 #include "frame/Valore.h"
 #include "receivables/clsScadenze.h"
@@ -11,26 +12,6 @@
 namespace vorn {
 
 namespace {
-
-// splitmix64: the same numbers from the same seed with every compiler and library.
-class Casuale {
- public:
-  explicit Casuale(uint64_t seme) : s_(seme * 0x9E3779B97F4A7C15ULL + 0x7F4A7C159E3779B9ULL) {}
-  uint64_t Prossimo() {
-    uint64_t z = (s_ += 0x9E3779B97F4A7C15ULL);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-    return z ^ (z >> 31);
-  }
-  int64_t Tra(int64_t a, int64_t b) { return a + static_cast<int64_t>(Prossimo() % static_cast<uint64_t>(b - a + 1)); }
-  template <class T>
-  const T& Scegli(const std::vector<T>& v) {
-    return v[static_cast<size_t>(Tra(0, static_cast<int64_t>(v.size()) - 1))];
-  }
-
- private:
-  uint64_t s_;
-};
 
 Importo Centesimi(int64_t c) { return Importo::DaRaw(c * (Importo::kScala / 100)); }
 
@@ -114,9 +95,9 @@ std::string TestoTabellaIva(const std::vector<RigaIvaEsempio>& righe) {
 
 EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEsempio& o) {
   if (o.documenti < 0 || o.lotto < 1) throw std::invalid_argument("RiempiFattureEsempio: opzioni non valide");
-  // Clients and documents draw from generators of their own: the documents of a seed are the
-  // same whether the clients were made by this call or were already there.
-  Casuale r(o.seme), rClienti(o.seme + 0x51ED270B27BB3A01ULL);
+  // Clients and documents draw from generators of their own: the documents of a starting number
+  // are the same whether the clients were made by this call or were already there.
+  Casuale r(o.seme, 0x7F4A7C159E3779B9ULL), rClienti(o.seme + 0x51ED270B27BB3A01ULL, 0x7F4A7C159E3779B9ULL);
   EsitoFattureEsempio esito;
   std::vector<Cliente> clienti = LeggiClienti(cn);
   if (clienti.empty()) {
@@ -198,36 +179,20 @@ EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEs
         std::vector<std::string> righe;
         long n = 0;
         scadenze.GeneraScadenze(righe, n, d);
-        const int32_t progressivo = scadenze.PrendiProgressivoDocumento();
-        for (long k = 1; k <= n; ++k) {
-          // type and description | due date | amount | ... | stamp duty (the 14th field)
-          std::vector<std::string> campi;
-          const std::string& riga = righe[static_cast<size_t>(k)];
-          size_t p = 0;
-          for (size_t q; (q = riga.find('|', p)) != std::string::npos; p = q + 1) campi.push_back(riga.substr(p, q - p));
-          if (campi.size() != 20) continue;
-          RecordValori v = {{"Progressivo Documento", Valore(static_cast<long long>(progressivo))},
-                            {"tipo", Valore("CL")},
-                            {"Codice Cliente", Valore(f.cliente)},
-                            {"Ragione Sociale", Valore(f.ragioneSociale)},
-                            {"Numero Documento", Valore(static_cast<long long>(f.numero))},
-                            {"Serie", Valore(f.serie)},
-                            {"Data Documento", Valore(f.data)},
-                            {"Data Scadenza", Valore(campi[1])},
-                            {"Tipo di Effetto", Valore(campi[0].substr(0, 2))},
-                            {"Codice valuta", Valore("06")},
-                            {"Cambio", Valore(1.0)},
-                            {"Importo Documento", Valore(f.totale)},
-                            {"Importo Scadenza", Valore(NullToZeroCy(ImportoIngresso(Valore(campi[2]))))},
-                            {"Importo Pagato", Valore(Importo())},
-                            {"Importo Bollo", Valore(Importo::DaTestoPunto(campi[13]).value_or(Importo()))}};
-          bool cancel = false;
-          if (!scadenze.SalvaRecord(v, Valore("esempio"), 0, cancel) || cancel)
-            throw std::runtime_error("RiempiFattureEsempio: rata non scritta per la fattura " +
-                                     std::to_string(f.numero));
-          ++f.rate;
-          ++esito.rate;
-        }
+        const long rate = scadenze.SalvaScadenzeGenerate(
+            righe, 1, n,
+            {{"tipo", Valore("CL")},
+             {"Codice Cliente", Valore(f.cliente)},
+             {"Ragione Sociale", Valore(f.ragioneSociale)},
+             {"Numero Documento", Valore(static_cast<long long>(f.numero))},
+             {"Serie", Valore(f.serie)},
+             {"Data Documento", Valore(f.data)},
+             {"Codice valuta", Valore("06")},
+             {"Cambio", Valore(1.0)},
+             {"Importo Documento", Valore(f.totale)}},
+            Valore("esempio"), 0);
+        f.rate += rate;
+        esito.rate += rate;
       }
       if (i == 0) esito.dal = f.data;
       esito.al = f.data;

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <map>
 
-#include "company/PresaNumero.h"
 #include "company/clsProgAzienda.h"
 #include "frame/Catalogo.h"
 #include "frame/Comuni.h"
@@ -51,6 +50,13 @@ Data Avanza(const Data& d, int64_t passo) {
 }
 
 }  // namespace
+
+std::vector<std::string> clsScadenze::CampiRiga(const std::string& riga) {
+  std::vector<std::string> c;
+  size_t p = 0;
+  for (size_t q; (q = riga.find('|', p)) != std::string::npos; p = q + 1) c.push_back(riga.substr(p, q - p));
+  return c;
+}
 
 bool clsScadenze::Multiplo30(const Valore& giorni) {
   Importo g = NullToZeroCy(giorni);
@@ -285,14 +291,9 @@ int32_t clsScadenze::PrendiNumeroEffetto() {
 }
 
 int32_t clsScadenze::PrendiProgressivoDocumento() {
-  Contatore c;
-  c.tabella = "Progressivi Scadenze";
-  c.colonna = "ProgressivoPartite";
-  c.where = "[IndicatoreFisso] = ?";
-  c.parametri = {Valore("DOC")};
-  c.nuovaRiga = {{"IndicatoreFisso", Valore("DOC")}};
-  c.sqlMassimo = "SELECT MAX([Progressivo Documento]) FROM [Scadenziario]";
-  return PrendiNumero(*cn, c);
+  clsProgAzienda prog;
+  prog.cn = static_cast<const std::shared_ptr<Connessione>&>(cn);
+  return prog.PrendiProgressivoDocumenti();
 }
 
 // ---------------------------------------------------------------- rows
@@ -341,6 +342,34 @@ bool clsScadenze::SalvaRecord(RecordValori& valori, const Valore& clientID, long
   if (!ok) return false;
   unita.Conferma();
   return true;
+}
+
+long clsScadenze::SalvaScadenzeGenerate(const std::vector<std::string>& righe, long daIndice, long aIndice,
+                                        const RecordValori& documento, const Valore& clientID, long hWnd,
+                                        Importo* totale) {
+  Valore progressivo;
+  if (auto p = documento.find("Progressivo Documento"); p != documento.end()) progressivo = p->second;
+  long salvate = 0;
+  for (long i = std::max(1L, daIndice); i <= aIndice && static_cast<size_t>(i) < righe.size(); ++i) {
+    // kind and description | due date | amount | ... | stamp duty (the 14th field)
+    std::vector<std::string> campi = CampiRiga(righe[static_cast<size_t>(i)]);
+    if (campi.size() != kCampiRata) continue;
+    if (NullToZeroLng(progressivo) == 0) progressivo = Valore(static_cast<long long>(PrendiProgressivoDocumento()));
+    const Importo importo = NullToZeroCy(ImportoIngresso(Valore(campi[2])));
+    RecordValori r = documento;
+    r["Progressivo Documento"] = progressivo;
+    r["Data Scadenza"] = Valore(campi[1]);
+    r["Tipo di Effetto"] = Valore(campi[0].substr(0, 2));
+    r["Importo Scadenza"] = Valore(importo);
+    r["Importo Pagato"] = Valore(Importo());
+    r["Importo Bollo"] = Valore(Importo::DaTestoPunto(campi[13]).value_or(Importo()));
+    bool cancel = false;
+    if (!SalvaRecord(r, clientID, hWnd, cancel) || cancel)
+      throw ErroreDb(3265, "Rata non scritta nello scadenziario: " + campi[1] + " " + campi[2]);
+    ++salvate;
+    if (totale) *totale += importo;
+  }
+  return salvate;
 }
 
 bool clsScadenze::LocalizzaRecord(Recordset& T_, const Valore& Numero_progressivo, const Valore& clientID, long hWnd) {

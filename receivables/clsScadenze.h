@@ -51,6 +51,11 @@ class clsScadenze {
   bool GeneraScadenze(std::vector<std::string>& Array_Scadenze_Generate, long& Indice_Array_Scadenze_Generate,
                       const DocumentoScadenze& d);
 
+  // The fields of a generated row (each followed by its "|").
+  static std::vector<std::string> CampiRiga(const std::string& riga);
+  // The fields of an instalment row.
+  static constexpr size_t kCampiRata = 20;
+
   // True when the days are above 0 and a multiple of 30 (a step of whole months).
   static bool Multiplo30(const Valore& giorni);
   // "Rimessa diretta", "Ric.Bancaria"...; empty text for an unknown kind.
@@ -75,6 +80,14 @@ class clsScadenze {
   // a missing [Progressivo Documento] likewise. The record protocol: a row another reader
   // reached asks first (no: Cancel true, nothing written).
   bool SalvaRecord(RecordValori& valori, const Valore& clientID, long hWnd, bool& Cancel);
+  // The instalments of a generation (rows daIndice to aIndice of GeneraScadenze's array; the
+  // settled rows are left out) saved as rows of one document: `documento` holds its columns
+  // (tipo, Codice Cliente, Numero Documento...), each row adds its due date, kind, amount and
+  // stamp duty; the document's number is taken once when `documento` has none. The count
+  // saved, and their sum in `totale`; a row that cannot be saved is an error.
+  long SalvaScadenzeGenerate(const std::vector<std::string>& righe, long daIndice, long aIndice,
+                             const RecordValori& documento, const Valore& clientID, long hWnd,
+                             Importo* totale = nullptr);
   bool LocalizzaRecord(Recordset& T, const Valore& Numero_progressivo, const Valore& clientID, long hWnd);
   // The instalments of a document, by due date.
   bool LocalizzaRecordDocumento(Recordset& T, const Valore& Progressivo_Documento);

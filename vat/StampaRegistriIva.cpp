@@ -330,12 +330,9 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
                                                  Valore(static_cast<long long>(numero)), a.clientID, a.hWnd);
     }
     if (a.avar_NumerazionePagine && esito_.fogli > 0) {
-      if (!fogli->SalvaUltimoNumero(Valore("R"), Valore(f.foglio), Valore(registro), Valore(a.avar_Anno), Valore(""),
-                                    Valore(static_cast<long long>(ultimoFoglio_)), a.clientID, a.hWnd)) {
-        Host().MsgBox("Errore in fase di aggiornamento ultimo numero pagina stampato", vbExclamation,
-                      "Numerazione fogli");
+      if (!fogli->SalvaFogliStampati(Valore("R"), Valore(f.foglio), Valore(registro), a.avar_Anno, ultimoFoglio_,
+                                     a.clientID, a.hWnd))
         return false;
-      }
     }
     unita.Conferma();
     return true;

@@ -810,12 +810,9 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
                                                              a.hWnd);
     }
     if (a.avar_NumerazionePagine && fogliStampati > 0 &&
-        !fogli->SalvaUltimoNumero(Valore(tipoFoglio), Valore(registroFoglio), Valore(numRegLiq), Valore(a.avar_Anno),
-                                  Valore(""), Valore(static_cast<long long>(prossimoFoglio)), a.clientID, a.hWnd)) {
-      Host().MsgBox("Errore in fase di aggiornamento ultimo numero pagina stampato", vbExclamation,
-                    "Numerazione fogli");
+        !fogli->SalvaFogliStampati(Valore(tipoFoglio), Valore(registroFoglio), Valore(numRegLiq), a.avar_Anno,
+                                   prossimoFoglio, a.clientID, a.hWnd))
       return false;
-    }
     unita.Conferma();
     if (!annuale) {
       Host().MsgBox("Aggiornati i dati per la comunicazione trimestrale dei dati IVA richiesta dal 2017." +

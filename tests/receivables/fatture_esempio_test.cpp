@@ -1,6 +1,6 @@
 // The sample sales documents on both engines: what each document holds (its lines, VAT table,
 // total and instalments agree with one another), the numbering by series, the same documents
-// from the same seed.
+// from the same starting number.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -126,7 +126,7 @@ TEST_P(FattureEsempioTest, NumeriPerSerieEStessiDocumentiDalloStessoSeme) {
   o.clienti = 3;
   o.serie = "A";
   EsitoFattureEsempio a = RiempiFattureEsempio(*cn, o);
-  // The same seed in another series: the same documents, numbered from 1 again; the clients
+  // The same starting number in another series: the same documents, numbered from 1 again; the clients
   // made the first time are taken, not made again.
   o.serie = "B";
   EsitoFattureEsempio b = RiempiFattureEsempio(*cn, o);
@@ -139,7 +139,7 @@ TEST_P(FattureEsempioTest, NumeriPerSerieEStessiDocumentiDalloStessoSeme) {
     EXPECT_EQ(a.documenti[i].totale, b.documenti[i].totale);
     EXPECT_EQ(a.documenti[i].ricavi, b.documenti[i].ricavi);
   }
-  // Series A again goes on from its highest number; another seed gives other amounts.
+  // Series A again goes on from its highest number; another starting number gives other amounts.
   o.serie = "A";
   o.seme = 2;
   o.documenti = 2;

@@ -81,10 +81,8 @@ class ScadenzeTest : public AziendaTest {
     EXPECT_FALSE(s.GeneraScadenze(righe, indice, d));
     std::vector<Rata> r;
     for (long i = 1; i <= indice; ++i) {
-      std::vector<std::string> c;
-      size_t p = 0;
       const std::string& x = righe[static_cast<size_t>(i)];
-      for (size_t q; (q = x.find('|', p)) != std::string::npos; p = q + 1) c.push_back(x.substr(p, q - p));
+      std::vector<std::string> c = clsScadenze::CampiRiga(x);
       EXPECT_EQ(c.size(), 20u) << x;
       if (c.size() == 20) r.push_back({c[1], c[2], c[13]});
     }
