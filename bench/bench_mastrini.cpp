@@ -29,6 +29,7 @@
 #include "frame/Host.h"
 #include "frame/Schema.h"
 #include "bench/AziendaBench.h"
+#include "bench/GiornaleBench.h"
 #include "ledger/clsSaldiContabili.h"
 #include "ledger/clsStampaMastrini.h"
 #include "ledger/clsVisualizzaMastrini.h"
@@ -67,66 +68,34 @@ struct Attesi {
   Importo darePeriodo, averePeriodo;  // the busy account, movements of the year of the checks
 };
 
-// Rows of the journal in batches of one INSERT each, a transaction every hundred batches.
+// The journal through the shared writer; the expected figures are kept as the rows are made.
 Attesi Carica(Connessione& cn, long righe, long righeConto, const Data& dataVerifica) {
-  constexpr int kColonne = 13, kLotto = 500;
-  std::string tupla = "(";
-  for (int c = 0; c < kColonne; ++c) tupla += c ? ", ?" : "?";
-  tupla += ")";
-  std::string testa =
-      "INSERT INTO [Prima Nota] ([DataRegistrazione], [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], "
-      "[DareAvere], [ContoPrimaNota], [IndClienteFornitore], [CodClienteFornitore], [DataCompetenza], "
-      "[CodiceCausale], [DescrizioneSupplem], [ImportoMovimento], [Stringa10indicatori]) VALUES ";
-  std::string lottoPieno = testa;
-  for (int i = 0; i < kLotto; ++i) lottoPieno += (i ? ", " : "") + tupla;
-
   std::mt19937 rnd(7);
   const Data inizio = *Data::Crea(2020, 1, 1);
   const int anno = dataVerifica.Anno();
   // Every tenth row (as many as asked) on the busy account, the others on 200 quiet ones.
   const long passo = std::max(1L, righe / std::max(1L, righeConto));
   Attesi a;
-  Parametri p;
-  p.reserve(kColonne * kLotto);
-  long scritte = 0, nelLotto = 0;
-  auto svuota = [&] {
-    if (nelLotto == 0) return;
-    std::string sql = lottoPieno;
-    if (nelLotto < kLotto) {
-      sql = testa;
-      for (long i = 0; i < nelLotto; ++i) sql += (i ? ", " : "") + tupla;
-    }
-    cn.Esegui(sql, p);
-    p.clear();
-    nelLotto = 0;
-  };
-  cn.BeginTrans();
-  for (long i = 0; i < righe; ++i) {
+  bench::ScriviGiornale(cn, righe, [&](long i, bench::RigaGiornale& r) {
     long sulConto = i / passo;
     bool attivo = i % passo == 0 && sulConto < righeConto;
-    std::string conto = attivo ? kContoAttivo : "60010" + Format(Valore(static_cast<long long>(rnd() % 200)), "00");
-    Data d = inizio.AggiungiGiorni(static_cast<int64_t>(rnd() % 2192));
-    bool dare = i % 2 == 0;  // each entry: a debit row and a credit row
+    r.conto = attivo ? kContoAttivo : "60010" + Format(Valore(static_cast<long long>(rnd() % 200)), "00");
+    r.data = inizio.AggiungiGiorni(static_cast<int64_t>(rnd() % 2192));
+    r.dare = i % 2 == 0;  // each entry: a debit row and a credit row
     bool apertura = rnd() % 50 == 0;
-    Importo imp = Importo::DaRaw(static_cast<int64_t>(rnd() % 100000000) * 100);
-    if (d <= dataVerifica) {
-      if (conto == kContoAttivo) a.attivoAData += dare ? imp : -imp;
-      if (conto == kContoQuieto) a.quietoAData += dare ? imp : -imp;
+    r.importo = Importo::DaRaw(static_cast<int64_t>(rnd() % 100000000) * 100);
+    const Importo& imp = r.importo;
+    if (r.data <= dataVerifica) {
+      if (r.conto == kContoAttivo) a.attivoAData += r.dare ? imp : -imp;
+      if (r.conto == kContoQuieto) a.quietoAData += r.dare ? imp : -imp;
     }
-    if (conto == kContoAttivo && d.Anno() == anno && !apertura) (dare ? a.darePeriodo : a.averePeriodo) += imp;
-    p.insert(p.end(), {Valore(d), Valore(Format(Valore(static_cast<long long>(i / 2)), "0000000")), Valore(""),
-                       Valore("001"), Valore(dare ? "D" : "A"), Valore(conto), Valore(""), Valore(""), Valore(d),
-                       Valore(apertura ? "099" : "001"), Valore("Riga di prova"), Valore(imp),
-                       Valore(apertura ? "  1       " : "  0       ")});
-    if (++nelLotto == kLotto) svuota();
-    if (++scritte % 100000 == 0) {
-      svuota();
-      cn.CommitTrans();
-      cn.BeginTrans();
+    if (r.conto == kContoAttivo && r.data.Anno() == anno && !apertura) (r.dare ? a.darePeriodo : a.averePeriodo) += imp;
+    r.numero = Format(Valore(static_cast<long long>(i / 2)), "0000000");
+    if (apertura) {
+      r.causale = "099";
+      r.indicatori = "  1       ";
     }
-  }
-  svuota();
-  cn.CommitTrans();
+  });
   return a;
 }
 
