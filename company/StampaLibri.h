@@ -1,11 +1,14 @@
-// What the VAT prints share: the text of their fields, the company lines of their page head,
-// the objects a print makes when the caller gives none, and the copy of the laid-out pages
-// into the print's file.
+// What the prints of the statutory books share (the VAT registers and settlement, the journal
+// book): the text of their fields, the company lines of their page head, the objects a print
+// makes when the caller gives none, the working files of a print and the copy of the laid-out
+// pages into the print's file.
 #pragma once
 #include <array>
 #include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
@@ -13,7 +16,7 @@
 #include "frame/Importo.h"
 #include "frame/Valore.h"
 
-namespace vorn::stampa_iva {
+namespace vorn::stampa_libri {
 
 inline std::string T(const Valore& v) { return Trim(v.Testo()); }
 inline Importo Imp(const Valore& v) { return NullToZeroCy(v); }
@@ -55,6 +58,37 @@ inline std::string PiedeElaborato(const std::string& AzRagSoc, const std::string
          "  ************************";
 }
 
+// The working files of a print, named in the run's working folder: none there at the start,
+// and gone at the end whatever happens.
+class FileLavoro {
+ public:
+  explicit FileLavoro(std::initializer_list<const char*> nomi) {
+    for (const char* n : nomi) file_.push_back(CartellaTemp() + "/" + n);
+    Cancella();
+  }
+  ~FileLavoro() { Cancella(); }
+  FileLavoro(const FileLavoro&) = delete;
+  FileLavoro& operator=(const FileLavoro&) = delete;
+  const std::string& operator[](size_t i) const { return file_.at(i); }
+
+ private:
+  void Cancella() {
+    for (const auto& f : file_) {
+      try {
+        CancellaFile(f);
+      } catch (...) {
+      }
+    }
+  }
+  std::vector<std::string> file_;
+};
+
+// One line of a body; ErroreStampa naming the file when it cannot be written.
+inline void Scrivi(std::ofstream& f, const std::string& riga, const std::string& nome) {
+  f << riga << '\n';
+  if (!f) throw ErroreStampa("Impossibile scrivere il file " + nome);
+}
+
 // The laid-out pages into the print's file (named only at its Chiudi()).
 inline void CopiaInStampa(const std::string& pagine, FileStampa& stampa, const std::string& nomeFile) {
   std::ifstream in(pagine, std::ios::binary);
@@ -63,4 +97,4 @@ inline void CopiaInStampa(const std::string& pagine, FileStampa& stampa, const s
   if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + nomeFile);
 }
 
-}  // namespace vorn::stampa_iva
+}  // namespace vorn::stampa_libri

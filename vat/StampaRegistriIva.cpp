@@ -17,14 +17,14 @@
 #include "ledger/clsCausaliContabili.h"
 #include "ledger/clsPrimaNota.h"
 #include "vat/clsProgressiviIva.h"
-#include "vat/StampaIva.h"
+#include "company/StampaLibri.h"
 #include "vat/clsRegistriIva.h"
 
 namespace vorn {
 
 namespace {
 
-using namespace stampa_iva;
+using namespace stampa_libri;
 
 std::string DataCorta(const Valore& v) {
   if (!v.ComeData()) return "00.00.00";
@@ -148,29 +148,15 @@ class Nomi {
   std::map<std::string, std::string> soggetti_, causaliLette_;
 };
 
-// The working files of a print, gone at the end whatever happens.
-struct FileLavoro {
-  std::string corpo = CartellaTemp() + "/regiva.tmp";
-  std::string totali = CartellaTemp() + "/totiva.tmp";
-  std::string totaliPagine = CartellaTemp() + "/totiva.txt";
-  std::string pagine = CartellaTemp() + "/~regiva.tmp";
-  std::string numerato = CartellaTemp() + "/~regivanum.tmp";
-  FileLavoro() { Cancella(); }
-  ~FileLavoro() { Cancella(); }
-  void Cancella() {
-    for (const auto* f : {&corpo, &totali, &totaliPagine, &pagine, &numerato}) {
-      try {
-        CancellaFile(*f);
-      } catch (...) {
-      }
-    }
-  }
+// The working files of a print.
+struct FileRegistro : FileLavoro {
+  FileRegistro() : FileLavoro({"regiva.tmp", "totiva.tmp", "totiva.txt", "~regiva.tmp", "~regivanum.tmp"}) {}
+  const std::string& corpo = (*this)[0];
+  const std::string& totali = (*this)[1];
+  const std::string& totaliPagine = (*this)[2];
+  const std::string& pagine = (*this)[3];
+  const std::string& numerato = (*this)[4];
 };
-
-void Scrivi(std::ofstream& f, const std::string& riga, const std::string& nome) {
-  f << riga << '\n';
-  if (!f) throw ErroreStampa("Impossibile scrivere il file " + nome);
-}
 
 }  // namespace
 
@@ -225,7 +211,7 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
     }
   } tabelle{*this, tipo, pref};
   EliminaTabelleTemporaneeIva(tipo, pref);
-  FileLavoro file;
+  FileRegistro file;
   const std::string corpo = NomeTabella(tipo, "corpo", pref);
   const std::string totali = NomeTabella(tipo, "totali", pref);
 

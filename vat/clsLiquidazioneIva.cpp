@@ -17,7 +17,7 @@
 #include "frame/Impaginazione.h"
 #include "frame/TabellaLavoro.h"
 #include "frame/VornServer.h"
-#include "vat/StampaIva.h"
+#include "company/StampaLibri.h"
 #include "vat/clsDatiIVA.h"
 #include "vat/clsProgressiviIva.h"
 #include "vat/clsRegistriIva.h"
@@ -26,7 +26,7 @@ namespace vorn {
 
 namespace {
 
-using namespace stampa_iva;
+using namespace stampa_libri;
 
 Importo Abs(Importo i) { return i < Importo() ? -i : i; }
 int Decimali() { return G().DecimaliImporti; }
