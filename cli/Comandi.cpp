@@ -160,6 +160,17 @@ int RighePagina(Argomenti& a, int predefinite, int minimo) {
   return static_cast<int>(*n);
 }
 
+int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo) {
+  auto v = a.Opzione(nome);
+  if (!v) throw ErroreUso("manca " + nome);
+  std::string s = Trim(*v);
+  auto n = Valore(s).ComeIntero();
+  if (s.empty() || s.find_first_not_of("0123456789") != std::string::npos || !n || *n < minimo || *n > massimo)
+    throw ErroreUso(nome + " vuole un numero intero da " + std::to_string(minimo) + " a " + std::to_string(massimo) +
+                    ": " + *v);
+  return static_cast<int>(*n);
+}
+
 namespace {
 
 void Aiuto(std::ostream& out) {

@@ -90,6 +90,10 @@ extern const char* const kUsoUscitaStampa;
 // the head and foot of the print plus one line of body; ErroreUso outside minimo..10000.
 int RighePagina(Argomenti& a, int predefinite, int minimo);
 
+// A required option of a whole number of digits only, within the bounds; ErroreUso naming the
+// option otherwise (--mese, --anno, --registro).
+int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo);
+
 // A plain table on the terminal: every column as wide as its widest cell, one blank between
 // columns, the last without trailing blanks.
 enum class Allinea { Sinistra, Destra };

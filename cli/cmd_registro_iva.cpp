@@ -80,18 +80,6 @@ ArgomentiRegistroIva ArgomentiRegistroIvaAzienda(const std::shared_ptr<Connessio
 
 namespace {
 
-// A whole number of digits only, within the bounds; ErroreUso naming the option otherwise.
-int Intero(Argomenti& a, const std::string& nome, int minimo, int massimo) {
-  auto v = a.Opzione(nome);
-  if (!v) throw ErroreUso("manca " + nome);
-  std::string s = Trim(*v);
-  auto n = Valore(s).ComeIntero();
-  if (s.empty() || s.find_first_not_of("0123456789") != std::string::npos || !n || *n < minimo || *n > massimo)
-    throw ErroreUso(nome + " vuole un numero intero da " + std::to_string(minimo) + " a " + std::to_string(massimo) +
-                    ": " + *v);
-  return static_cast<int>(*n);
-}
-
 // A page must hold the register's head (two empty lines and seven), its foot (two) and one row.
 constexpr int kMinimoRighe = 12;
 
@@ -136,9 +124,9 @@ int Esegui(Contesto& ctx) {
   if (!tipoOpzione) throw ErroreUso("manca --tipo (" + ElencoTipiRegistro() + ")");
   const TipoRegistroCli* tipo = TipoRegistroDaOpzione(LCase(Trim(*tipoOpzione)));
   if (!tipo) throw ErroreUso("--tipo sconosciuto: " + *tipoOpzione + " (" + ElencoTipiRegistro() + ")");
-  int registro = Intero(a, "--registro", 1, 99);
-  int mese = Intero(a, "--mese", 1, 12);
-  int anno = Intero(a, "--anno", 1900, 9999);
+  int registro = OpzioneIntera(a, "--registro", 1, 99);
+  int mese = OpzioneIntera(a, "--mese", 1, 12);
+  int anno = OpzioneIntera(a, "--anno", 1900, 9999);
   if (!tipo->stampa && (uscitaOpzione || numera || righeOpzione))
     throw ErroreUso("il registro " + std::string(tipo->opzione) +
                     " non ha stampa: --uscita, --righe e --numera-pagine non valgono");
