@@ -1,0 +1,128 @@
+// vorn libro-giornale as a user meets it: the options it refuses before touching anything, a
+// trial that leaves the books as they were, a definitive print and the month printed again.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+
+#include "ComandoAzienda.h"
+#include "cli/Comandi.h"
+#include "frame/Comuni.h"
+#include "frame/Formato.h"
+#include "frame/Globali.h"
+#include "interchange/ModelloStandard.h"
+#include "ledger/clsPrimaNota.h"
+#include "support/Azienda.h"
+
+using namespace vorn;
+using namespace vorn::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+class ComandoLibroGiornale : public AziendaTest {
+ protected:
+  void SetUp() override {
+    AziendaTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    CaricaModello(*cn, "standard");
+    G().DecimaliImporti = 2;
+    app = dir->Percorso() + "/app";
+    pn.cn = cn;
+    cn->Esegui("UPDATE [Tabella Azienda] SET [Ragione Sociale] = 'Prova Giornale S.r.l.', [Partita IVA] = "
+               "'01234567890'");
+    // Two entries of January, of two rows each: 1.000,00 and 250,50 on each side.
+    Entrata("00001", "10/01/2024", "6001001", "0501001", "1000");
+    Entrata("00002", "25/01/2024", "0601001", "0501001", "250.50");
+    // The company's counters, as posting leaves them: the book's start at row 0.
+    pn.AggiornaNumeroUltimaRegistrazione(Valore(2), Valore("prova"), 1);
+  }
+
+  void Entrata(const char* numero, const char* data, const char* dare, const char* avere, const char* importo) {
+    bool cancel = false;
+    int n = 0;
+    for (auto [lato, conto] : {std::pair{"D", dare}, std::pair{"A", avere}}) {
+      RecordValori v{{"DataRegistrazione", Valore(data)},   {"NumeroRegistrazione", Valore(numero)},
+                     {"DataCompetenza", Valore(data)},      {"CodiceCausale", Valore("GIR")},
+                     {"TipoRigaIvaNormale", Valore("")},    {"NumRigaAVideo", Valore(Format(Valore(++n), "000"))},
+                     {"DareAvere", Valore(lato)},           {"ContoPrimaNota", Valore(conto)},
+                     {"Stringa10indicatori", Valore("")},   {"Cambio", Valore(1.0)},
+                     {"ImportoMovimento", Valore(*Importo::DaTestoPunto(importo))}};
+      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
+    }
+  }
+
+  struct Esito {
+    int rc;
+    std::string out, err;
+  };
+  Esito Vorn(const std::vector<std::string>& resto) {
+    std::vector<std::string> a = RigaComando(app, "libro-giornale", Pg(), file, pg);
+    a.insert(a.end(), resto.begin(), resto.end());
+    std::ostringstream o;
+    std::FILE* e = std::tmpfile();
+    Esito r;
+    r.rc = cli::Esegui(a, o, e);
+    std::rewind(e);
+    char buf[4096];
+    size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
+    std::fclose(e);
+    r.out = o.str();
+    return r;
+  }
+
+  long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }
+  long Marcate() { return Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE substr([Stringa10indicatori], 2, 1) = 'G'"); }
+  long UltimaRiga() { return Conta("SELECT [NumRigaLibroGiornale] FROM [Progressivi Azienda Vorn]"); }
+
+  clsPrimaNota pn;
+  std::string app;
+};
+
+VORN_SU_DUE_MOTORI(ComandoLibroGiornale);
+
+}  // namespace
+
+TEST_P(ComandoLibroGiornale, BadOptionsAreRefusedBeforeAnythingIsWritten) {
+  const std::vector<std::pair<std::vector<std::string>, const char*>> casi = {
+      {{"--mese", "13", "--anno", "2024"}, "--mese vuole un numero intero da 1 a 12: 13"},
+      {{"--mese", "1"}, "manca --anno"},
+      {{"--anno", "2024"}, "manca --mese"},
+      {{"--mese", "1", "--anno", "2024", "--righe", "13"}, "--righe"},
+      {{"--mese", "1", "--anno", "2024", "--bollato", "--nulla"}, "--nulla"},
+  };
+  for (const auto& [argomenti, messaggio] : casi) {
+    Esito r = Vorn(argomenti);
+    EXPECT_EQ(r.rc, 2) << messaggio;
+    EXPECT_NE(r.err.find(messaggio), std::string::npos) << r.err;
+  }
+  EXPECT_FALSE(fs::exists(app + "/Temp/LibroGiornale_202401.txt"));
+  EXPECT_EQ(Marcate(), 0);
+}
+
+TEST_P(ComandoLibroGiornale, TrialThenDefinitiveThenNothingLeft) {
+  const std::string stampa = app + "/Temp/LibroGiornale_202401.txt";
+  Esito prova = Vorn({"--mese", "1", "--anno", "2024", "--codici-conti"});
+  ASSERT_EQ(prova.rc, 0) << prova.err;
+  EXPECT_EQ(prova.out, stampa + "\n");
+  const std::string testo = LeggiFile(stampa);
+  EXPECT_NE(testo.find("000004 "), std::string::npos);
+  EXPECT_NE(testo.find("TOTALE DARE  PROGRESSIVO                                                      1.250,50"),
+            std::string::npos);
+  EXPECT_EQ(Marcate(), 0);
+  EXPECT_EQ(UltimaRiga(), 0);
+
+  Esito bollato = Vorn({"--mese", "1", "--anno", "2024", "--codici-conti", "--bollato"});
+  ASSERT_EQ(bollato.rc, 0) << bollato.err;
+  EXPECT_EQ(LeggiFile(stampa), testo);
+  EXPECT_EQ(Marcate(), 4);
+  EXPECT_EQ(UltimaRiga(), 4);
+
+  Esito ancora = Vorn({"--mese", "1", "--anno", "2024", "--bollato"});
+  EXPECT_EQ(ancora.rc, 0) << ancora.err;
+  EXPECT_EQ(ancora.out, "Nessun dato da stampare.\n");
+  EXPECT_EQ(UltimaRiga(), 4);
+  for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
+}
