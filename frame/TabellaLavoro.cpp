@@ -38,6 +38,15 @@ TabellaLavoro::TabellaLavoro(Connessione& cn, const std::string& prefisso, const
   VerificaPrefisso(prefisso);
   VerificaNome(nome);
   nome_ = prefisso + nome;
+  Verifica();
+}
+
+TabellaLavoro::TabellaLavoro(Connessione& cn, NomeFisso, const std::string& nome, std::vector<ColonnaLavoro> colonne)
+    : cn_(cn), nome_(nome), colonne_(std::move(colonne)) {
+  Verifica();
+}
+
+void TabellaLavoro::Verifica() {
   VerificaNome(nome_);
   // PostgreSQL cuts longer names, and two tables could then meet under one: refused on both
   // engines alike.

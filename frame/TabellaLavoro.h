@@ -27,6 +27,10 @@ class TabellaLavoro {
   // passes VerificaNome. A name that is a table of the company's catalogue is refused: a work
   // table never takes the place of an archive.
   TabellaLavoro(Connessione& cn, const std::string& prefisso, const std::string& nome, std::vector<ColonnaLavoro> colonne);
+  // A work table of a fixed name, without a client's prefix, under the same checks: the runs
+  // that use one hold a guard of their own, so that only one of them at a time uses a database.
+  struct NomeFisso {};
+  TabellaLavoro(Connessione& cn, NomeFisso, const std::string& nome, std::vector<ColonnaLavoro> colonne);
 
   const std::string& Nome() const { return nome_; }
   const std::vector<ColonnaLavoro>& Colonne() const { return colonne_; }
@@ -45,6 +49,7 @@ class TabellaLavoro {
   std::string SqlCrea() const;
 
  private:
+  void Verifica();
   Connessione& cn_;
   std::string nome_;
   std::vector<ColonnaLavoro> colonne_;
