@@ -14,6 +14,7 @@
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Importo.h"
+#include "ledger/clsBilancio.h"
 #include "vat/clsLiquidazioneIva.h"
 
 namespace vorn {
@@ -46,14 +47,9 @@ struct EsitoDemo {
 // Throws on a database error, the batch in progress undone.
 EsitoDemo RiempiAziendaDemo(Connessione& cn, const OpzioniDemo& o, IForm* form = nullptr);
 
-struct RigaBilancioVerifica {
-  std::string codice;  // seven characters
-  std::string descrizione;
-  Importo dare, avere;  // opening balance on its side, plus the year's movements
-  Importo Saldo() const { return dare - avere; }
-};
+using RigaBilancioVerifica = vorn::RigaBilancioVerifica;
 
-// The sub-accounts with a balance row, by code, from the running balances.
+// The sub-accounts with a debit or a credit, by code, from the whole journal (clsBilancio).
 std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(Connessione& cn);
 
 // The trial balance as text: a heading, one line a sub-account, the totals.
