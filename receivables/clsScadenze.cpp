@@ -353,7 +353,10 @@ long clsScadenze::SalvaScadenzeGenerate(const std::vector<std::string>& righe, l
   for (long i = std::max(1L, daIndice); i <= aIndice && static_cast<size_t>(i) < righe.size(); ++i) {
     // kind and description | due date | amount | ... | stamp duty (the 14th field)
     std::vector<std::string> campi = CampiRiga(righe[static_cast<size_t>(i)]);
-    if (campi.size() != kCampiRata) continue;
+    // An instalment, or a row the document settled itself (down payment, withholding...), which
+    // keeps what it settles in [Note]: the invoice posting finds it so and pays it.
+    const bool saldata = campi.size() == kCampiSaldata;
+    if (campi.size() != kCampiRata && !saldata) continue;
     if (NullToZeroLng(progressivo) == 0) progressivo = Valore(static_cast<long long>(PrendiProgressivoDocumento()));
     const Importo importo = NullToZeroCy(ImportoIngresso(Valore(campi[2])));
     RecordValori r = documento;
@@ -362,7 +365,8 @@ long clsScadenze::SalvaScadenzeGenerate(const std::vector<std::string>& righe, l
     r["Tipo di Effetto"] = Valore(campi[0].substr(0, 2));
     r["Importo Scadenza"] = Valore(importo);
     r["Importo Pagato"] = Valore(Importo());
-    r["Importo Bollo"] = Valore(Importo::DaTestoPunto(campi[13]).value_or(Importo()));
+    r["Importo Bollo"] = Valore(saldata ? Importo() : Importo::DaTestoPunto(campi[13]).value_or(Importo()));
+    if (saldata) r["Note"] = Valore(campi[11]);
     bool cancel = false;
     if (!SalvaRecord(r, clientID, hWnd, cancel) || cancel)
       throw ErroreDb(3265, "Rata non scritta nello scadenziario: " + campi[1] + " " + campi[2]);

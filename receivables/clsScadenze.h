@@ -55,6 +55,8 @@ class clsScadenze {
   static std::vector<std::string> CampiRiga(const std::string& riga);
   // The fields of an instalment row.
   static constexpr size_t kCampiRata = 20;
+  // The fields of a settled row (an amount the document settles itself).
+  static constexpr size_t kCampiSaldata = 18;
 
   // True when the days are above 0 and a multiple of 30 (a step of whole months).
   static bool Multiplo30(const Valore& giorni);
@@ -80,11 +82,12 @@ class clsScadenze {
   // a missing [Progressivo Documento] likewise. The record protocol: a row another reader
   // reached asks first (no: Cancel true, nothing written).
   bool SalvaRecord(RecordValori& valori, const Valore& clientID, long hWnd, bool& Cancel);
-  // The instalments of a generation (rows daIndice to aIndice of GeneraScadenze's array; the
-  // settled rows are left out) saved as rows of one document: `documento` holds its columns
-  // (tipo, Codice Cliente, Numero Documento...), each row adds its due date, kind, amount and
-  // stamp duty; the document's number is taken once when `documento` has none. The count
-  // saved, and their sum in `totale`; a row that cannot be saved is an error.
+  // The rows of a generation (rows daIndice to aIndice of GeneraScadenze's array) saved as
+  // rows of one document: `documento` holds its columns (tipo, Codice Cliente, Numero
+  // Documento...), each row adds its due date, kind, amount and stamp duty; a settled row its
+  // date, kind and amount, and in [Note] what it settles ("Rilevaz. acconto"...), by which the
+  // invoice posting finds it. The document's number is taken once when `documento` has none.
+  // The count saved, and their sum in `totale`; a row that cannot be saved is an error.
   long SalvaScadenzeGenerate(const std::vector<std::string>& righe, long daIndice, long aIndice,
                              const RecordValori& documento, const Valore& clientID, long hWnd,
                              Importo* totale = nullptr);
