@@ -4,9 +4,13 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "company/clsTabRiferimenti.h"
 #include "frame/Casuale.h"
 #include "frame/Comuni.h"
+#include "frame/Globali.h"
 #include "frame/Valore.h"
+#include "masterdata/clsCodiciIva.h"
+#include "receivables/clsElaboraFatture.h"
 #include "receivables/clsScadenze.h"
 
 namespace vorn {
@@ -93,6 +97,137 @@ std::string TestoTabellaIva(const std::vector<RigaIvaEsempio>& righe) {
   return t;
 }
 
+struct ScrittoreFattureEsempio::Stato {
+  clsScadenze scadenze;
+  clsElaboraFatture posting;
+  clsTabRiferimenti riferimenti;
+  clsCodiciIva codiciIva;
+};
+
+ScrittoreFattureEsempio::ScrittoreFattureEsempio(Connessione& cn, bool scadenze)
+    : cn_(cn), scadenze_(scadenze), s_(std::make_unique<Stato>()) {
+  s_->scadenze.cn = cn.shared_from_this();
+  s_->posting.cn = cn.shared_from_this();
+  s_->riferimenti.cn = cn.shared_from_this();
+  s_->codiciIva.cn = cn.shared_from_this();
+}
+
+ScrittoreFattureEsempio::~ScrittoreFattureEsempio() = default;
+
+FatturaEsempio ScrittoreFattureEsempio::Scrivi(const DocumentoEsempio& d) {
+  static const std::string sqlFattura =
+      "INSERT INTO [Fatture] ([Numero], [Serie], [Data], [Elaborata], [Stampata], [Tipo fattura], [Tipo cli/for], "
+      "[Codice Cliente], [Codice valuta], [Cambio], [Tipo documento], [Ragione Sociale], [Totale Documento], "
+      "[Sconto (cliente)%], [Sconto2 (cliente)%], [Sconto Pagamento %], [Causale Contabile], [DataCompetenzaIVA], "
+      "[Bolli], [Spese di incasso], [Spese di trasporto], [Spese accessorie], [Spese varie], "
+      "[PA Totale Split Payment], [TabellaIva], [Totale Righe], [Acconto], [Ritenuta1], [Ritenuta2], [Abbuono]) "
+      "VALUES (?, ?, ?, ?, '1', 0, 'C', ?, '06', 1, ?, ?, ?, 0, 0, 0, ?, ?, 0, 0, ?, 0, 0, ?, ?, ?, ?, ?, 0, ?)";
+  static const std::string sqlRiga =
+      "INSERT INTO [Movimenti Magazzino] ([Numero], [Serie], [Tipo documento], [Data Registrazione], "
+      "[Contropartita], [Importo], [Codice Iva], [Scorporo iva], [Codice valuta], [Cambio], [Sconto Pagamento %], "
+      "[Sconto (cliente)%], [Sconto2 (cliente)%]) VALUES (?, ?, 'F', ?, ?, ?, ?, ?, '06', 1, 0, 0, 0)";
+
+  FatturaEsempio f;
+  f.numero = d.numero;
+  f.serie = d.serie;
+  f.data = d.data;
+  f.cliente = d.cliente;
+  f.ragioneSociale = d.ragioneSociale;
+  f.sottocontoCliente = "0501001";
+  f.pagamento = d.pagamento;
+  f.notaCredito = d.notaCredito;
+
+  // The VAT table: the lines summed by code, in the order the codes first appear.
+  std::vector<RigaIvaEsempio> tabella;
+  Importo totaleRighe;
+  std::string codiceOmaggio;
+  for (const auto& r : d.righe) {
+    f.ricavi[r.contropartita] += r.importo;
+    totaleRighe += r.importo;
+    auto it = std::find_if(tabella.begin(), tabella.end(),
+                           [&](const RigaIvaEsempio& x) { return x.codice == r.codiceIva; });
+    if (it == tabella.end()) {
+      if (tabella.size() == 5) throw std::invalid_argument("ScrittoreFattureEsempio: più di cinque codici IVA");
+      tabella.push_back({r.codiceIva, r.importo, r.aliquota});
+    } else {
+      it->imponibile += r.importo;
+    }
+    if (r.codiceIva.size() == 3 && r.codiceIva[0] == '8') {
+      if (!codiceOmaggio.empty() && codiceOmaggio != r.codiceIva)
+        throw std::invalid_argument("ScrittoreFattureEsempio: un solo codice di omaggi per documento");
+      codiceOmaggio = r.codiceIva;
+    }
+  }
+  const std::string testoTabella = TestoTabellaIva(tabella);
+  // The table completed as the posting completes it: the transport apportioned, the VAT of
+  // each row rounded once.
+  TabellaIvaDocumento t = TabellaIvaDocumento::DaTesto(testoTabella);
+  s_->posting.CompletaTabellaIva(s_->riferimenti, s_->codiciIva, t, 0, 0, 0, Importo(), d.trasporto, Importo(),
+                                 totaleRighe, Importo(), G().DecimaliImporti);
+  Importo iva;
+  for (int i = 1; i <= 5; ++i) {
+    if (t[i].codice.empty()) continue;
+    iva += t[i].iva;
+    f.imponibili[t[i].codice] += t[i].netto + t[i].spese;
+    f.iva[t[i].codice] += t[i].iva;
+    // A gift settles its amount with its VAT, the VAT worked out on the amount alone.
+    if (t[i].codice == codiceOmaggio) {
+      const int64_t cent = t[i].imponibile.Raw() / (Importo::kScala / 100);
+      f.omaggi = Centesimi(cent + Imposta(cent, static_cast<int>(t[i].aliquota.Raw() / Importo::kScala)));
+    }
+  }
+  f.totale = totaleRighe + d.trasporto + iva;
+  f.splitPayment = d.splitPayment ? iva : Importo();
+  f.acconto = d.acconto;
+  f.ritenuta = d.ritenuta;
+  f.abbuono = d.abbuono;
+
+  const Valore numero(static_cast<long long>(d.numero));
+  for (const auto& r : d.righe) {
+    cn_.Esegui(sqlRiga, {numero, Valore(d.serie), Valore(d.data), Valore(r.contropartita), Valore(r.importo),
+                         Valore(r.codiceIva), Valore(false)});
+    ++righe_;
+  }
+  cn_.Esegui(sqlFattura,
+             {numero, Valore(d.serie), Valore(d.data), Valore(false), Valore(d.cliente),
+              Valore(d.notaCredito ? "NOTA CREDITO" : "FATTURA"), Valore(d.ragioneSociale), Valore(f.totale),
+              Valore(d.causale), Valore(d.data), Valore(d.trasporto), Valore(f.splitPayment), Valore(testoTabella),
+              Valore(totaleRighe), Valore(f.acconto), Valore(f.ritenuta), Valore(f.abbuono)});
+
+  if (scadenze_) {
+    // The instalments add up to what the client still owes; each amount settled at once has
+    // its settled row beside them.
+    DocumentoScadenze sd;
+    sd.a_varTipoCliFor = "C";
+    sd.a_varCodiceCliente = d.cliente;
+    sd.a_datDataDocumento = d.data;
+    sd.a_curImportoDocumento = f.DaIncassare();
+    sd.a_curIvaDocumento = iva - f.splitPayment;
+    sd.a_curAcconto = f.acconto;
+    sd.a_curRitenuta1 = f.ritenuta;
+    sd.a_curAbbuono = f.abbuono;
+    sd.a_curOmaggi = f.omaggi;
+    sd.a_curSplitPayment = f.splitPayment;
+    sd.a_varCodicePagamento = d.pagamento;
+    std::vector<std::string> righe;
+    long n = 0;
+    s_->scadenze.GeneraScadenze(righe, n, sd);
+    f.rate = static_cast<int>(s_->scadenze.SalvaScadenzeGenerate(
+        righe, 1, n,
+        {{"tipo", Valore("CL")},
+         {"Codice Cliente", Valore(d.cliente)},
+         {"Ragione Sociale", Valore(d.ragioneSociale)},
+         {"Numero Documento", numero},
+         {"Serie", Valore(d.serie)},
+         {"Data Documento", Valore(d.data)},
+         {"Codice valuta", Valore("06")},
+         {"Cambio", Valore(1.0)},
+         {"Importo Documento", Valore(f.totale)}},
+        Valore("esempio"), 0));
+  }
+  return f;
+}
+
 EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEsempio& o) {
   if (o.documenti < 0 || o.lotto < 1) throw std::invalid_argument("RiempiFattureEsempio: opzioni non valide");
   // Clients and documents draw from generators of their own: the documents of a starting number
@@ -112,88 +247,31 @@ EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEs
                           cn.Scalare("SELECT MAX([Numero]) FROM [Fatture] WHERE [Serie] = ?", {Valore(o.serie)})));
   const Data inizio = *Data::Crea(o.anno, 1, 1);
   const int giorni = Data::Bisestile(o.anno) ? 366 : 365;
-
-  const std::string sqlFattura =
-      "INSERT INTO [Fatture] ([Numero], [Serie], [Data], [Elaborata], [Stampata], [Tipo fattura], [Tipo cli/for], "
-      "[Codice Cliente], [Codice valuta], [Cambio], [Tipo documento], [Ragione Sociale], [Totale Documento], "
-      "[Sconto (cliente)%], [Sconto2 (cliente)%], [Sconto Pagamento %], [Causale Contabile], [DataCompetenzaIVA], "
-      "[Bolli], [Spese di incasso], [Spese di trasporto], [Spese accessorie], [Spese varie], "
-      "[PA Totale Split Payment], [TabellaIva], [Totale Righe], [Acconto], [Ritenuta1], [Ritenuta2], [Abbuono]) "
-      "VALUES (?, ?, ?, ?, '1', 0, 'C', ?, '06', 1, 'FATTURA', ?, ?, 0, 0, 0, ?, ?, 0, 0, 0, 0, 0, 0, ?, ?, 0, 0, "
-      "0, 0)";
-  const std::string sqlRiga =
-      "INSERT INTO [Movimenti Magazzino] ([Numero], [Serie], [Tipo documento], [Data Registrazione], "
-      "[Contropartita], [Importo], [Codice Iva], [Scorporo iva], [Codice valuta], [Cambio], [Sconto Pagamento %], "
-      "[Sconto (cliente)%], [Sconto2 (cliente)%]) VALUES (?, ?, 'F', ?, ?, ?, ?, ?, '06', 1, 0, 0, 0)";
-
-  clsScadenze scadenze;
-  scadenze.cn = cn.shared_from_this();
+  ScrittoreFattureEsempio scrittore(cn, o.scadenze);
 
   long inLotto = 0;
   const int livello = cn.Livello();
   cn.BeginTrans();
   try {
     for (long i = 0; i < o.documenti; ++i) {
-      FatturaEsempio f;
-      f.numero = primo + static_cast<int32_t>(i);
-      f.serie = o.serie;
-      f.data = inizio.AggiungiGiorni(o.documenti > 0 ? static_cast<int64_t>(i) * giorni / o.documenti : 0);
+      DocumentoEsempio d;
+      d.numero = primo + static_cast<int32_t>(i);
+      d.serie = o.serie;
+      d.causale = o.causale;
+      d.data = inizio.AggiungiGiorni(o.documenti > 0 ? static_cast<int64_t>(i) * giorni / o.documenti : 0);
       const Cliente& c = r.Scegli(clienti);
-      f.cliente = c.codice;
-      f.ragioneSociale = c.ragione;
-      f.sottocontoCliente = "0501001";
-      f.pagamento = c.pagamento;
-
+      d.cliente = c.codice;
+      d.ragioneSociale = c.ragione;
+      d.pagamento = c.pagamento;
       // Three lines: one at 22%, one at 10%, the third at either; goods or services.
-      int64_t imponibile22 = 0, imponibile10 = 0;
       for (int k = 0; k < 3; ++k) {
         bool ventidue = k == 0 || (k == 2 && r.Tra(0, 1) == 0);
         int64_t cent = std::min({r.Tra(2000, 250000), r.Tra(2000, 250000)});
         std::string conto = r.Tra(0, 3) == 0 ? "7001002" : "7001001";
-        (ventidue ? imponibile22 : imponibile10) += cent;
-        f.ricavi[conto] += Centesimi(cent);
-        cn.Esegui(sqlRiga, {Valore(static_cast<long long>(f.numero)), Valore(f.serie), Valore(f.data), Valore(conto),
-                            Valore(Centesimi(cent)), Valore(ventidue ? "022" : "010"), Valore(false)});
-        ++esito.righe;
+        d.righe.push_back({conto, ventidue ? "022" : "010", ventidue ? 22 : 10, Centesimi(cent)});
       }
-      const int64_t iva22 = Imposta(imponibile22, 22), iva10 = Imposta(imponibile10, 10);
-      f.imponibili["022"] = Centesimi(imponibile22);
-      f.imponibili["010"] = Centesimi(imponibile10);
-      f.iva["022"] = Centesimi(iva22);
-      f.iva["010"] = Centesimi(iva10);
-      f.totale = Centesimi(imponibile22 + iva22 + imponibile10 + iva10);
-      std::string tabella =
-          TestoTabellaIva({{"022", Centesimi(imponibile22), 22}, {"010", Centesimi(imponibile10), 10}});
-      cn.Esegui(sqlFattura, {Valore(static_cast<long long>(f.numero)), Valore(f.serie), Valore(f.data), Valore(false),
-                             Valore(f.cliente), Valore(f.ragioneSociale), Valore(f.totale), Valore(o.causale),
-                             Valore(f.data), Valore(tabella), Valore(Centesimi(imponibile22 + imponibile10))});
-
-      if (o.scadenze) {
-        DocumentoScadenze d;
-        d.a_varTipoCliFor = "C";
-        d.a_varCodiceCliente = f.cliente;
-        d.a_datDataDocumento = f.data;
-        d.a_curImportoDocumento = f.totale;
-        d.a_curIvaDocumento = Centesimi(iva22 + iva10);
-        d.a_varCodicePagamento = f.pagamento;
-        std::vector<std::string> righe;
-        long n = 0;
-        scadenze.GeneraScadenze(righe, n, d);
-        const long rate = scadenze.SalvaScadenzeGenerate(
-            righe, 1, n,
-            {{"tipo", Valore("CL")},
-             {"Codice Cliente", Valore(f.cliente)},
-             {"Ragione Sociale", Valore(f.ragioneSociale)},
-             {"Numero Documento", Valore(static_cast<long long>(f.numero))},
-             {"Serie", Valore(f.serie)},
-             {"Data Documento", Valore(f.data)},
-             {"Codice valuta", Valore("06")},
-             {"Cambio", Valore(1.0)},
-             {"Importo Documento", Valore(f.totale)}},
-            Valore("esempio"), 0);
-        f.rate += rate;
-        esito.rate += rate;
-      }
+      FatturaEsempio f = scrittore.Scrivi(d);
+      esito.rate += f.rate;
       if (i == 0) esito.dal = f.data;
       esito.al = f.data;
       esito.documenti.push_back(std::move(f));
@@ -208,6 +286,7 @@ EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEs
     if (cn.Livello() > livello) cn.RollbackTrans();
     throw;
   }
+  esito.righe = scrittore.Righe();
   return esito;
 }
 
