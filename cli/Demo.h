@@ -35,16 +35,23 @@ struct OpzioniDemo {
 struct EsitoDemo {
   long registrazioni = 0;  // all entries written, opening and settlements included
   long righe = 0;          // journal rows
+  long documenti = 0;      // sales documents of [Fatture] posted by the invoice posting
+  long registrazioniDocumenti = 0;  // the entries their posting gave, among `registrazioni`
 };
 
 // Fills a company loaded from the standard model: the company's identity, the clients and
-// suppliers, then the entries of the year in date order: the opening, sales and purchase
-// invoices and credit notes with their VAT rows (an intra-community purchase integrated on the
-// sales register too), receipts and payments of open invoices, giro entries, and each month's
-// VAT settlement with its payment, in the figures of the settlement of the registers (a credit
-// and a debt not above the minimum payment carried to the next month). Every row goes through
-// clsPrimaNota::SalvaRecord, a batch of entries to a transaction; the form shows each entry.
-// Throws on a database error, the batch in progress undone.
+// suppliers, then the year in date order: the opening; sales invoices and credit notes written
+// into [Fatture] as the sales side leaves them once printed (lines, VAT table, instalments with
+// the settled rows) and posted by the invoice posting (clsElaboraFatture::ElaboraFatture), a
+// run of them at a time, before anything that reads what they leave: split payment, down
+// payments, withholdings, rounding allowances and gifts among them; purchase invoices and credit
+// notes with their VAT rows (an intra-community purchase integrated on the sales register too),
+// receipts and payments of open invoices, giro entries, and each month's VAT settlement with its
+// payment, in the figures of the settlement of the registers (a credit and a debt not above the
+// minimum payment carried to the next month). Every row goes through clsPrimaNota::SalvaRecord,
+// the demo's own entries a batch to a transaction, each posted document a transaction of its
+// own; the form shows each entry. Throws on a database error or a document the posting refuses,
+// the batch in progress undone.
 EsitoDemo RiempiAziendaDemo(Connessione& cn, const OpzioniDemo& o, IForm* form = nullptr);
 
 using RigaBilancioVerifica = vorn::RigaBilancioVerifica;

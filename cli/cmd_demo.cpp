@@ -10,13 +10,17 @@
 
 #include "cli/Comandi.h"
 #include "cli/Demo.h"
-#include "frame/Casuale.h"
 #include "company/clsImportiFissi.h"
+#include "company/clsTabRiferimenti.h"
+#include "frame/Casuale.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Schema.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
+#include "receivables/FattureEsempio.h"
+#include "receivables/clsElaboraFatture.h"
+#include "receivables/clsScadenze.h"
 
 namespace vorn::cli {
 
@@ -77,7 +81,7 @@ struct Aperta {
 };
 
 struct Soggetto {
-  std::string codice, ragione, sottoconto, codiceIva, nazione;
+  std::string codice, ragione, sottoconto, codiceIva, nazione, pagamento;
   std::deque<Aperta> aperte;
 };
 
@@ -103,6 +107,7 @@ std::vector<Soggetto> CreaSoggetti(Connessione& cn, Casuale& r, bool clienti, in
                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, '0', ?, ?, "
                     "(SELECT [Descrizione Pagamento] FROM [Pagamenti] WHERE [Codice Pagamento] = ?), ?, ?, ?, "
                     "0, 0, 0, 0, 0, 0, 0)";
+  bool unPubblico = false;
   for (int i = 1; i <= quanti; ++i) {
     Soggetto s;
     s.codice = std::to_string(i);
@@ -116,8 +121,9 @@ std::vector<Soggetto> CreaSoggetti(Connessione& cn, Casuale& r, bool clienti, in
       cap = l.cap, citta = l.citta, provincia = l.provincia;
       piva = PartitaIva(r.Tra(100000, 9999999), l.ufficio);
       s.nazione = "IT";
-      // A few clients are public bodies under split payment.
-      bool pubblico = clienti && r.Tra(1, 20) == 1;
+      // A few clients are public bodies under split payment: one at least from the third on.
+      bool pubblico = clienti && (r.Tra(1, 20) == 1 || (i >= 3 && !unPubblico));
+      unPubblico = unPubblico || pubblico;
       if (pubblico) s.ragione = "Comune di " + std::string(l.citta);
       s.sottoconto = clienti ? (pubblico ? "0501004" : "0501001") : "1301001";
       s.codiceIva = pubblico ? "S22" : "022";
@@ -130,6 +136,7 @@ std::vector<Soggetto> CreaSoggetti(Connessione& cn, Casuale& r, bool clienti, in
       s.codiceIva = clienti ? (area == 1 ? "N41" : "N8A") : (area == 1 ? "C22" : "FCI");
     }
     std::string pagamento = clienti ? r.Scegli(pagamentiClienti) : r.Scegli(pagamentiFornitori);
+    s.pagamento = pagamento;
     std::string dominio = LCase(cognome) + LCase(attivita.substr(0, 4));
     cn.Esegui(sql, {s.codice, s.ragione, indirizzo, cap, citta, provincia, s.nazione, piva, piva, s.codiceIva,
                     pagamento, pagamento, s.sottoconto, "amministrazione@" + dominio + ".it",
@@ -251,6 +258,14 @@ class Registratore {
   void Annulla() {
     if (cn_.InTransazione()) cn_.RollbackTrans();
   }
+  // A batch open for what is written beside the entries (the sales documents).
+  void Apri() {
+    if (!cn_.InTransazione()) cn_.BeginTrans();
+  }
+  // After entries numbered by another writer (the invoice posting): the last number is the
+  // next one taken less one, as at the start.
+  void Riallinea() { numero_ = pn_.GetNumeroNuovaRegistrazionePrimaNota() - 1; }
+  long Numero() const { return numero_; }
 
   long Registrazioni() const { return registrazioni_; }
   long Righe() const { return righe_; }
@@ -296,10 +311,39 @@ std::vector<RigaIva> RigheIva(const std::vector<std::pair<std::string, int64_t>>
   return v;
 }
 
+// The messages of a posting run while the demo fills the company: the summary at the end of
+// each run is no news; anything else (a refused document, a missing account, a payment not
+// recorded on its instalment) is kept, and stops the demo.
+class MessaggiContabilizzazione : public IHost {
+ public:
+  MessaggiContabilizzazione() : prima_(Host()) { ImpostaHost(this); }
+  ~MessaggiContabilizzazione() override { ImpostaHost(&prima_); }
+  MessaggiContabilizzazione(const MessaggiContabilizzazione&) = delete;
+  MessaggiContabilizzazione& operator=(const MessaggiContabilizzazione&) = delete;
+  int MsgBox(const std::string& testo, int stile, const std::string& titolo) override {
+    const bool riepilogo = stile == vbInformation && titolo == "Elaborazione fatture" &&
+                           (testo.rfind("Create ", 0) == 0 || testo == "Nessuna fattura da elaborare.");
+    if (!riepilogo) messaggi.push_back(titolo + ": " + testo);
+    return vbOK;
+  }
+  std::string CartellaApplicazione() override { return prima_.CartellaApplicazione(); }
+  std::string TitoloApplicazione() override { return prima_.TitoloApplicazione(); }
+  std::vector<std::string> messaggi;
+
+ private:
+  IHost& prima_;
+};
+
 class Generatore {
  public:
   Generatore(Connessione& cn, const OpzioniDemo& o, IForm* form)
-      : cn_(cn), o_(o), r_(o.seme), reg_(cn, form, std::max(1, o.lotto)) {}
+      : cn_(cn),
+        o_(o),
+        r_(o.seme),
+        rSaldi_(o.seme, 0x3C6EF372FE94F82BULL),
+        form_(form),
+        reg_(cn, form, std::max(1, o.lotto)),
+        scrittore_(cn) {}
 
   EsitoDemo Esegui() {
     for (auto rs = cn_.Execute("SELECT [Codice Iva], [Aliquota] FROM [Codici Iva]"); !rs.Eof(); rs.MoveNext())
@@ -311,6 +355,17 @@ class Generatore {
       Importo minimoAcconto, minimoVersamento;
       if (fissi.GetImportiFissiLiquidazioneIva(percAcconto, minimoAcconto, minimoVersamento))
         minimoVersamento_ = minimoVersamento.Raw() / (Importo::kScala / 100);
+    }
+    {
+      clsTabRiferimenti rif;
+      rif.cn = cn_.shared_from_this();
+      if (!RiferimentiElaboraFatture(rif, contab_))
+        throw std::runtime_error("L'azienda non ha i riferimenti contabili della contabilizzazione delle fatture.");
+      contab_.objFormAttiva = form_;
+      contab_.bool_ContabilizzaDataFattura = true;
+      contab_.clientID = Valore("demo");
+      elabora_.cn = cn_.shared_from_this();
+      scadenze_.cn = cn_.shared_from_this();
     }
     {
       Atomico tx(cn_);
@@ -335,13 +390,15 @@ class Generatore {
       reg_.Annulla();
       throw;
     }
-    return {reg_.Registrazioni(), reg_.Righe()};
+    return {reg_.Registrazioni() + registrazioniFatture_, reg_.Righe() + righeFatture_, documenti_,
+            registrazioniFatture_};
   }
 
  private:
   // Every entry goes through here: the generator follows the balances it needs (bank, cash,
   // the VAT accounts of the month) as the journal moves them, debit positive.
   void Registra(const Documento& d, const std::vector<Riga>& righe, const std::vector<RigaIva>& iva) {
+    Contabilizza();
     reg_.Registra(d, righe, iva);
     for (const auto& r : righe) saldi_[r.conto] += r.dareAvere == "D" ? r.centesimi : -r.centesimi;
     for (const auto& r : iva) saldi_[r.conto] += r.dareAvere == "D" ? r.imposta : -r.imposta;
@@ -379,6 +436,7 @@ class Generatore {
   // What falls due up to `giorno`, in date order: on the 16th of a month the VAT settled for the
   // month before and the staff's withholdings are paid; at its end the month is settled.
   void Calendario(const Data& giorno) {
+    Contabilizza();
     for (;;) {
       Versamenti(giorno);
       if (mese_ >= giorno.Mese()) return;
@@ -415,15 +473,15 @@ class Generatore {
   }
 
   // The month's VAT settlement, with the figures of the settlement of the registers: the VAT of
-  // the sales (that of split payment has already left 1401001 through the giro entries) less the
-  // deductible VAT of the purchases (intra-community ones included, integrated on the sales
-  // side), less the credit carried from the month before, plus the debt carried when it did not
-  // exceed the minimum payment. The month's VAT accounts close into the treasury's: a credit
-  // stays in 0601006 for the next month, a debt goes to 1401005 and is paid on the 16th of the
-  // next month when above the minimum, otherwise carried to the next settlement. December's
-  // debt is paid the next year. The split-payment account 1401006 is always back to nothing
-  // after each giro entry, and the demo posts nothing on the other VAT accounts of the model
-  // (receipts, reverse charge).
+  // the sales, gifts included (that of split payment has already left 1401001 in the posting of
+  // its document), less the deductible VAT of the purchases (intra-community ones included,
+  // integrated on the sales side), less the credit carried from the month before, plus the debt
+  // carried when it did not exceed the minimum payment. The month's VAT accounts close into the
+  // treasury's: a credit stays in 0601006 for the next month, a debt goes to 1401005 and is paid
+  // on the 16th of the next month when above the minimum, otherwise carried to the next
+  // settlement. December's debt is paid the next year. The split-payment account 1401006 is
+  // back to nothing after each posted document (its settling entry), and the demo posts nothing
+  // on the other VAT accounts of the model (receipts, reverse charge).
   void Liquidazione(const Data& fine) {
     if (!liquidato_.insert(fine.Mese()).second) return;
     const int64_t vendite = -Saldo("1401001"), acquisti = Saldo("0601001"), intra = Saldo("0601002");
@@ -454,7 +512,11 @@ class Generatore {
   }
 
   void Una(const Data& giorno) {
-    switch (r_.Pesato({24, 3, 18, 2, 22, 15, 16})) {
+    const size_t tipo = r_.Pesato({24, 3, 18, 2, 22, 15, 16});
+    // Only a run of invoices waits to be posted together: what reads the clients' open
+    // invoices or the balances finds the documents before it posted.
+    if (tipo != 0) Contabilizza();
+    switch (tipo) {
       case 0: return FatturaVendita(giorno, false);
       case 1: return FatturaVendita(giorno, true);
       case 2: return FatturaAcquisto(giorno, false);
@@ -465,11 +527,16 @@ class Generatore {
     }
   }
 
+  // A sales document as the sales side leaves it once printed, in [Fatture] with its lines,
+  // VAT table and instalments; the invoice posting gives its entries (Contabilizza). Italian
+  // invoices may settle part of their amount at once: a cash down payment, a withholding on a
+  // service, a rounding allowance, or carry a gift; a public body's VAT is split payment.
   void FatturaVendita(const Data& giorno, bool notaCredito) {
+    // A credit note reduces an invoice as the posting gave it.
+    if (notaCredito) Contabilizza();
     Soggetto& c = clienti_[static_cast<size_t>(r_.Tra(0, static_cast<int64_t>(clienti_.size()) - 1))];
     if (notaCredito && c.aperte.empty()) notaCredito = false;
-    std::vector<std::pair<std::string, int64_t>> righe;  // code, taxable amount
-    std::map<std::string, int64_t> ricavi;
+    DocumentoEsempio d;
     int linee = notaCredito ? 1 : static_cast<int>(r_.Tra(1, 4));
     for (int i = 0; i < linee; ++i) {
       std::string codice = c.codiceIva;
@@ -481,60 +548,140 @@ class Generatore {
                                                 : "7001001";
       if (notaCredito) conto = "7001006";
       int64_t imp = notaCredito ? std::max<int64_t>(1000, c.aperte.front().centesimi / 10) : r_.Importo(2000, 800000);
-      righe.push_back({codice, imp});
-      ricavi[conto] += imp;
+      d.righe.push_back({conto, codice, Aliquota(codice), Euro(imp)});
     }
-    if (!notaCredito && r_.Tra(1, 5) == 1) {  // transport charged on the invoice
-      int64_t trasporto = r_.Tra(1000, 8000);
-      righe.push_back({righe.front().first, trasporto});
-      ricavi["7002002"] += trasporto;
-    }
-    auto iva = RigheIva(righe, "1401001", notaCredito ? "D" : "A", aliquote_);
-    int64_t totale = 0;
-    for (const auto& [conto, imp] : ricavi) totale += imp;
-    for (const auto& v : iva) totale += v.imposta;
-
-    Documento d;
+    if (!notaCredito && r_.Tra(1, 5) == 1) d.trasporto = Euro(r_.Tra(1000, 8000));  // transport charged
+    d.numero = static_cast<int32_t>(++numeroVendite_);
     d.data = giorno;
-    d.dataDocumento = giorno;
+    d.notaCredito = notaCredito;
     d.causale = notaCredito ? "NCV" : "FTV";
-    d.tipoRegistro = "1";
-    d.numero = ++numeroVendite_;
-    d.totale = totale;
-    d.soggetto = &c;
-    d.tipo = 'C';
-    d.descrizione = (notaCredito ? "Nota credito n. " : "Fattura n. ") + std::to_string(d.numero);
-    std::vector<Riga> conti;
-    conti.push_back({notaCredito ? "A" : "D", c.sottoconto, totale, &c, 'C'});
-    for (const auto& [conto, imp] : ricavi) conti.push_back({notaCredito ? "D" : "A", conto, imp});
-    Registra(d, conti, iva);
+    d.cliente = c.codice;
+    d.ragioneSociale = c.ragione;
+    d.pagamento = notaCredito ? std::string() : c.pagamento;
+    d.splitPayment = c.codiceIva == "S22";
+    if (!notaCredito && c.codiceIva == "022") Saldi(d);
 
-    int64_t splitPayment = 0;
-    if (c.codiceIva == "S22")
-      for (const auto& v : iva) splitPayment += v.imposta;
-    if (notaCredito) {
-      c.aperte.front().centesimi -= totale - splitPayment;
-      if (c.aperte.front().centesimi <= 0) c.aperte.pop_front();
-    } else {
-      c.aperte.push_back({totale - splitPayment, d.numero});
+    reg_.Apri();
+    scrittore_.Scrivi(d);
+    if (inAttesa_.empty()) dal_ = giorno;
+    al_ = giorno;
+    inAttesa_[d.numero] = {&c, notaCredito};
+  }
+
+  // What an Italian invoice settles at once, from a generator of its own. Until each kind has
+  // appeared once the next invoice takes the first missing one, so that a short year shows
+  // them all; then one invoice in five settles something.
+  void Saldi(DocumentoEsempio& d) {
+    enum { kNiente, kAcconto, kRitenuta, kAbbuono, kOmaggio };
+    int tipo = kNiente;
+    for (int k = kAcconto; k <= kOmaggio && tipo == kNiente; ++k)
+      if (!saldiVisti_.count(k)) tipo = k;
+    if (tipo == kNiente) tipo = static_cast<int>(rSaldi_.Pesato({16, 1, 1, 1, 1}));
+    // A gift's VAT is worked out on its amount alone: not on a document whose transport
+    // spreads over its rows.
+    if (tipo == kOmaggio && !d.trasporto.Zero()) tipo = kNiente;
+    Importo righe;
+    for (const auto& r : d.righe) righe += r.importo;
+    switch (tipo) {
+      case kAcconto:  // cash, a whole number of euros, about a third of the lines
+        d.acconto = Euro(std::max<int64_t>(1, righe.Raw() / Importo::kScala / 3) * 100);
+        break;
+      case kRitenuta:  // the first line is a service, 20% withheld on it
+        d.righe.front().contropartita = "7001002";
+        d.ritenuta = Euro(Imposta(d.righe.front().importo.Raw() / (Importo::kScala / 100), Importo(20)));
+        break;
+      case kAbbuono:  // the client is let off a few euros
+        d.abbuono = Euro(rSaldi_.Tra(100, 990));
+        break;
+      case kOmaggio:  // goods given away, a whole number of euros, their VAT the company's
+        d.righe.push_back({"7001001", "822", 22, Euro(rSaldi_.Tra(20, 300) * 100)});
+        break;
+      default:
+        return;
     }
-    if (splitPayment > 0) {
-      // The public body pays the VAT to the treasury: the client owes the taxable amount only.
-      Documento g = d;
-      g.causale = "SPL";
-      g.tipoRegistro = "0";
-      g.descrizione = "Split payment " + std::string(notaCredito ? "n.c. " : "ft. ") + std::to_string(d.numero);
-      // The VAT of the document is not the client's: it leaves the sales VAT through the
-      // split-payment account, the other way round for a credit note.
-      const char* dare = notaCredito ? "A" : "D";
-      const char* avere = notaCredito ? "D" : "A";
-      Registra(g,
-               {{dare, "1401006", splitPayment},
-                {avere, c.sottoconto, splitPayment, &c, 'C'},
-                {dare, "1401001", splitPayment},
-                {avere, "1401006", splitPayment}},
-               {});
+    saldiVisti_.insert(tipo);
+  }
+
+  int Aliquota(const std::string& codice) const {
+    auto a = aliquote_.find(codice);
+    if (a == aliquote_.end()) throw std::runtime_error("Il codice IVA " + codice + " manca nella tabella dei codici IVA.");
+    return static_cast<int>(a->second.Raw() / Importo::kScala);
+  }
+
+  // The documents written and not yet posted go through the invoice posting, in number order,
+  // each dated its own day; the generator then follows what the posting wrote: the balances,
+  // and what each client still owes on each invoice (its account's rows for the document:
+  // split payment, down payment, withholding, allowance and gifts already off it).
+  void Contabilizza() {
+    if (inAttesa_.empty()) return;
+    reg_.Chiudi();
+    const long primo = reg_.Numero() + 1;
+    contab_.avar_DaData = Valore(dal_);
+    contab_.avar_AData = Valore(al_);
+    contab_.avar_DataContabilizzazione = Valore(al_);
+    EsitoElaboraFatture e;
+    std::vector<std::string> messaggi;
+    {
+      MessaggiContabilizzazione host;
+      e = elabora_.ElaboraFatture(contab_);
+      messaggi = host.messaggi;
     }
+    if (e.Documenti != static_cast<long>(inAttesa_.size()) || e.Scartati != 0 || !messaggi.empty()) {
+      std::string testo = "La contabilizzazione delle fatture della demo dal " + dal_.Testo() + " al " + al_.Testo() +
+                          " ha contabilizzato " + std::to_string(e.Documenti) + " documenti su " +
+                          std::to_string(inAttesa_.size());
+      for (const auto& m : messaggi) testo += "\n" + m;
+      throw std::runtime_error(testo);
+    }
+    reg_.Riallinea();
+    documenti_ += e.Documenti;
+    registrazioniFatture_ += e.Registrazioni;
+
+    std::map<long, int64_t> dovuto;  // by document: the client's rows, debit positive
+    std::vector<Valore> pagate;      // the settled instalments the posting paid
+    std::vector<Valore> numeri;
+    for (long n = primo; n <= reg_.Numero(); ++n) numeri.push_back(Valore(Format(Valore(n), "00000")));
+    constexpr size_t kBlocco = 200;
+    for (size_t i = 0; i < numeri.size(); i += kBlocco) {
+      Parametri p(numeri.begin() + static_cast<std::ptrdiff_t>(i),
+                  numeri.begin() + static_cast<std::ptrdiff_t>(std::min(numeri.size(), i + kBlocco)));
+      std::string in;
+      for (size_t k = 0; k < p.size(); ++k) in += k ? ", ?" : "?";
+      cn_.Scorri("SELECT [ContoPrimaNota], [DareAvere], [ImportoMovimento], [IndClienteFornitore], "
+                 "[NumeroDocumento] FROM [Prima Nota] WHERE [NumeroRegistrazione] IN (" + in + ")",
+                 p, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
+                   const int64_t cent = NullToZeroCy(v[2]).Raw() / (Importo::kScala / 100);
+                   const int64_t dare = Trim(v[1].Testo()) == "D" ? cent : -cent;
+                   saldi_[Trim(v[0].Testo())] += dare;
+                   if (Trim(v[3].Testo()) == "C") dovuto[NullToZeroLng(v[4])] += dare;
+                   ++righeFatture_;
+                   return true;
+                 });
+      cn_.Scorri("SELECT DISTINCT [Numero Progressivo] FROM [Scadenziario Pagamenti] WHERE [numeroRegistrazione] IN (" +
+                     in + ")",
+                 p, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
+                   pagate.push_back(v[0]);
+                   return true;
+                 });
+    }
+    // The posting records the payment of a settled instalment as a row of its payments; the
+    // instalment's paid amount follows its rows, so that the book shows it closed.
+    if (!pagate.empty()) {
+      Atomico tx(cn_);
+      for (const auto& n : pagate) scadenze_.RiallineaImportoPagatoScadenza(n);
+      tx.Conferma();
+    }
+    for (const auto& [numero, attesa] : inAttesa_) {
+      Soggetto& c = *attesa.cliente;
+      const int64_t importo = dovuto[numero];
+      if (!attesa.notaCredito) {
+        if (importo > 0) c.aperte.push_back({importo, numero});
+      } else if (!c.aperte.empty()) {
+        c.aperte.front().centesimi += importo;
+        if (c.aperte.front().centesimi <= 0) c.aperte.pop_front();
+      }
+    }
+    inAttesa_.clear();
   }
 
   void FatturaAcquisto(const Data& giorno, bool notaCredito) {
@@ -712,7 +859,22 @@ class Generatore {
   Connessione& cn_;
   OpzioniDemo o_;
   Casuale r_;
+  Casuale rSaldi_;  // what the invoices settle at once: the rest of the books draw as before
+  IForm* form_;
   Registratore reg_;
+  ScrittoreFattureEsempio scrittore_;
+  clsElaboraFatture elabora_;
+  clsScadenze scadenze_;
+  ArgomentiElaboraFatture contab_;
+  // The sales documents written and not yet posted, by number, and their dates.
+  struct Attesa {
+    Soggetto* cliente;
+    bool notaCredito;
+  };
+  std::map<long, Attesa> inAttesa_;
+  Data dal_, al_;
+  std::set<int> saldiVisti_;
+  long documenti_ = 0, registrazioniFatture_ = 0, righeFatture_ = 0;
   std::vector<Soggetto> clienti_, fornitori_;
   long numeroVendite_ = 0, protocollo_ = 0, numeroIntegrazioni_ = 0;
   int mese_ = 1, ritenuteVersate_ = 1;
@@ -813,6 +975,8 @@ int Demo(Contesto& ctx) {
     throw;
   }
   ctx.form.Fine();
+  ctx.out << "Documenti di vendita contabilizzati: " << esito.documenti << " (vorn contabilizza-fatture), "
+          << esito.registrazioniDocumenti << " registrazioni\n";
 
   ContestoDemo passi{db->cn, az.file, o, esito, ctx.out, &ctx.form, {}, {}};
   EseguiPassiDemo(passi);

@@ -186,6 +186,93 @@ TEST_P(AziendaDemo, TheBooksAreThoseOfARealYear) {
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Anagrafica Fornitori]").ComeIntero(), 8);
 }
 
+// The sales documents go through the invoice posting: every one of them is posted, and each
+// amount a document settles at once leaves its own registration, on the account the company's
+// references name for it, for the document's amount.
+TEST_P(AziendaDemo, SalesDocumentsArePostedWithWhatTheySettle) {
+  auto esito = cli::RiempiAziendaDemo(*cn, Piccola());
+  auto conta = [&](const std::string& sql, const Parametri& p = {}) {
+    return cn->Scalare(sql, p).ComeIntero().value_or(-1);
+  };
+  const long long documenti = conta("SELECT COUNT(*) FROM [Fatture]");
+  EXPECT_GT(documenti, 50);
+  EXPECT_EQ(documenti, esito.documenti);
+  EXPECT_EQ(conta("SELECT COUNT(*) FROM [Fatture] WHERE [Elaborata] = ?", {Valore(true)}), documenti);
+  // The sales register holds the posted documents only: a VAT row of register 1 outside the
+  // intra-community integrations belongs to a document of [Fatture].
+  EXPECT_EQ(conta("SELECT COUNT(*) FROM [Prima Nota] P WHERE P.[TipoRigaIvaNormale] = 'I' AND P.[TipoRegistroIva] = "
+                  "'1' AND P.[CodiceCausale] <> 'AVI' AND NOT EXISTS (SELECT 1 FROM [Fatture] F WHERE F.[Numero] = "
+                  "P.[NumeroDocumento])"),
+            0);
+  // Two rates at least among the sales, and credit notes among the documents.
+  EXPECT_GE(conta("SELECT COUNT(DISTINCT [CodiceIva]) FROM [Prima Nota] WHERE [TipoRigaIvaNormale] = 'I' AND "
+                  "[TipoRegistroIva] = '1' AND [ImportoMovimento] <> 0"),
+            2);
+  EXPECT_GT(conta("SELECT COUNT(*) FROM [Fatture] WHERE [Tipo documento] = 'NOTA CREDITO'"), 0);
+
+  // Each settled amount: its registration's row on the other account, on the document's side
+  // (credit for a credit note), and the client's row on the other side, both for the amount.
+  struct Saldo {
+    const char* colonna;
+    const char* causale;
+    const char* conto;
+  };
+  for (const Saldo& k : {Saldo{"PA Totale Split Payment", "SPL", "1401006"}, Saldo{"Acconto", "INC", "0702001"},
+                         Saldo{"Ritenuta1", "RIT", "0601007"}, Saldo{"Abbuono", "ABB", "6401004"}}) {
+    const std::string c = std::string("F.[") + k.colonna + "]";
+    EXPECT_GT(conta("SELECT COUNT(*) FROM [Fatture] F WHERE " + c + " <> 0"), 0) << k.colonna;
+    const std::string lato = "CASE WHEN F.[Tipo documento] = 'NOTA CREDITO' THEN 'A' ELSE 'D' END";
+    const std::string altro = "CASE WHEN F.[Tipo documento] = 'NOTA CREDITO' THEN 'D' ELSE 'A' END";
+    EXPECT_EQ(conta("SELECT COUNT(*) FROM [Fatture] F WHERE " + c +
+                        " <> 0 AND NOT EXISTS (SELECT 1 FROM [Prima Nota] P WHERE P.[NumeroDocumento] = F.[Numero] "
+                        "AND P.[CodiceCausale] = ? AND P.[ContoPrimaNota] = ? AND P.[DareAvere] = " + lato +
+                        " AND P.[ImportoMovimento] = " + c + ")",
+                    {Valore(k.causale), Valore(k.conto)}),
+              0)
+        << k.colonna;
+    EXPECT_EQ(conta("SELECT COUNT(*) FROM [Fatture] F WHERE " + c +
+                        " <> 0 AND NOT EXISTS (SELECT 1 FROM [Prima Nota] P WHERE P.[NumeroDocumento] = F.[Numero] "
+                        "AND P.[CodiceCausale] = ? AND P.[IndClienteFornitore] = 'C' AND P.[CodClienteFornitore] = "
+                        "F.[Codice Cliente] AND P.[DareAvere] = " + altro + " AND P.[ImportoMovimento] = " + c + ")",
+                    {Valore(k.causale)}),
+              0)
+        << k.colonna;
+    // And no such registration of a document without the document's amount (the demo's own
+    // receipts share the causal of the down payment, with no document).
+    EXPECT_EQ(conta("SELECT COUNT(*) FROM [Prima Nota] P WHERE P.[CodiceCausale] = ? AND COALESCE("
+                    "P.[NumeroDocumento], 0) <> 0 AND NOT EXISTS (SELECT 1 FROM "
+                    "[Fatture] F WHERE F.[Numero] = P.[NumeroDocumento] AND " + c + " = P.[ImportoMovimento])",
+                    {Valore(k.causale)}),
+              0)
+        << k.colonna;
+  }
+  // Split payment: the main registration moves the document's VAT off the sales VAT account
+  // onto the split-payment account, the settling one takes it back from the client.
+  EXPECT_EQ(conta("SELECT COUNT(*) FROM [Fatture] F WHERE F.[PA Totale Split Payment] <> 0 AND NOT EXISTS (SELECT 1 "
+                  "FROM [Prima Nota] P WHERE P.[NumeroDocumento] = F.[Numero] AND P.[CodiceCausale] = F.[Causale "
+                  "Contabile] AND P.[ContoPrimaNota] = '1401001' AND P.[TipoRigaIvaNormale] <> 'I' AND "
+                  "P.[ImportoMovimento] = F.[PA Totale Split Payment])"),
+            0);
+  // Gifts: a line of code 822 gives its amount on 6101012 and its 22% on 6101013, off the client.
+  EXPECT_GT(conta("SELECT COUNT(*) FROM [Movimenti Magazzino] WHERE [Codice Iva] = '822'"), 0);
+  auto omaggi = cn->Execute(
+      "SELECT M.[Numero], M.[Importo], (SELECT SUM(P.[ImportoMovimento]) FROM [Prima Nota] P WHERE "
+      "P.[NumeroDocumento] = M.[Numero] AND P.[CodiceCausale] = 'OMV' AND P.[ContoPrimaNota] = '6101012' AND "
+      "P.[DareAvere] = 'D'), (SELECT SUM(P.[ImportoMovimento]) FROM [Prima Nota] P WHERE P.[NumeroDocumento] = "
+      "M.[Numero] AND P.[CodiceCausale] = 'OMV' AND P.[ContoPrimaNota] = '6101013' AND P.[DareAvere] = 'D'), "
+      "(SELECT SUM(P.[ImportoMovimento]) FROM [Prima Nota] P WHERE P.[NumeroDocumento] = M.[Numero] AND "
+      "P.[CodiceCausale] = 'OMV' AND P.[IndClienteFornitore] = 'C' AND P.[DareAvere] = 'A') FROM "
+      "[Movimenti Magazzino] M WHERE M.[Codice Iva] = '822'");
+  for (; !omaggi.Eof(); omaggi.MoveNext()) {
+    const Importo importo = NullToZeroCy(omaggi(1).Value());
+    // Whole euros: 22% of them is exact to the cent.
+    const Importo iva = Importo::DaRaw(importo.Raw() * 22 / 100);
+    EXPECT_EQ(NullToZeroCy(omaggi(2).Value()), importo) << omaggi(0).Value().Testo();
+    EXPECT_EQ(NullToZeroCy(omaggi(3).Value()), iva) << omaggi(0).Value().Testo();
+    EXPECT_EQ(NullToZeroCy(omaggi(4).Value()), importo + iva) << omaggi(0).Value().Testo();
+  }
+}
+
 TEST_P(AziendaDemo, TheStartingNumberDecidesTheBooks) {
   cli::RiempiAziendaDemo(*cn, Piccola(7));
   std::string qui = Impronta(*cn);
