@@ -10,3 +10,6 @@ int BenchRegistriIva(int argc, char** argv);
 
 // Invoice posting, one durable commit per document, against a raw insert of the same rows.
 int BenchElaboraFatture(int argc, char** argv);
+
+// The balance sheet and the trial balance over a large journal, against a plain GROUP BY of its rows.
+int BenchBilancio(int argc, char** argv);

@@ -5,6 +5,7 @@
 //   vorn_bench mastrini [...]   (the ledger cards' own benchmark)
 //   vorn_bench registri-iva [...]   (the VAT registers of a year)
 //   vorn_bench elabora-fatture [...]   (invoice posting, one durable commit per document)
+//   vorn_bench bilancio [...]   (the balance sheet and the trial balance)
 //
 // Posting: N sales entries of three rows each (client, revenue, VAT) saved one row at a time
 // through clsPrimaNota::SalvaRecord, balances moving with every row, inside one transaction (or
@@ -282,6 +283,7 @@ int main(int argc, char** argv) {
   if (argc > 1 && std::strcmp(argv[1], "mastrini") == 0) return BenchMastrini(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "registri-iva") == 0) return BenchRegistriIva(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "elabora-fatture") == 0) return BenchElaboraFatture(argc - 1, argv + 1);
+  if (argc > 1 && std::strcmp(argv[1], "bilancio") == 0) return BenchBilancio(argc - 1, argv + 1);
 #endif
   int righe = 10000;
   long ricostruzione = 0;

@@ -2,7 +2,7 @@
 # The benchmarks: builds, starts a throwaway PostgreSQL, runs vorn_bench with the given
 # arguments (default: posting at 10,000 and 100,000 entries, the rebuild of a million rows,
 # the ledger cards, the VAT registers of a year over a million rows, the posting of 10,000
-# invoices), stops the server.
+# invoices, the balance sheet and the trial balance over a million rows), stops the server.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -20,3 +20,4 @@ if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" mastrini --motore entrambi
 "$B" registri-iva --motore entrambi
 "$B" elabora-fatture --documenti 10000 --motore entrambi
+"$B" bilancio --motore entrambi
