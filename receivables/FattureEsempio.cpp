@@ -133,7 +133,6 @@ FatturaEsempio ScrittoreFattureEsempio::Scrivi(const DocumentoEsempio& d) {
   f.data = d.data;
   f.cliente = d.cliente;
   f.ragioneSociale = d.ragioneSociale;
-  f.sottocontoCliente = "0501001";
   f.pagamento = d.pagamento;
   f.notaCredito = d.notaCredito;
 
@@ -271,6 +270,7 @@ EsitoFattureEsempio RiempiFattureEsempio(Connessione& cn, const OpzioniFattureEs
         d.righe.push_back({conto, ventidue ? "022" : "010", ventidue ? 22 : 10, Centesimi(cent)});
       }
       FatturaEsempio f = scrittore.Scrivi(d);
+      f.sottocontoCliente = "0501001";
       esito.rate += f.rate;
       if (i == 0) esito.dal = f.data;
       esito.al = f.data;

@@ -38,7 +38,8 @@ struct FatturaEsempio {
   int32_t numero = 0;
   std::string serie;
   Data data;
-  std::string cliente, ragioneSociale, sottocontoCliente, pagamento;
+  std::string cliente, ragioneSociale, pagamento;
+  std::string sottocontoCliente;  // of RiempiFattureEsempio's clients; empty from the writer
   Importo totale;                         // [Totale Documento]
   std::map<std::string, Importo> ricavi;  // the lines' amounts by revenue account
   std::map<std::string, Importo> imponibili, iva;  // by VAT code ("022", "010")
