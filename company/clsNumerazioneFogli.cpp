@@ -6,6 +6,7 @@
 #include "company/clsAnagraficaAzienda.h"
 #include "company/PresaNumero.h"
 #include "frame/Comuni.h"
+#include "frame/FileVorn.h"
 #include "frame/Host.h"
 #include "frame/Impaginazione.h"
 #include "frame/VornServer.h"
@@ -177,6 +178,17 @@ bool clsNumerazioneFogli::AzzeraNumerazioneFogliRegistroCespiti() {
 }
 
 clsNumerazioneFogli::Fogli clsNumerazioneFogli::NumeraFogli(const std::string& ingresso, const std::string& uscita,
+                                                             int righe, const Valore& TipoStampa,
+                                                             const Valore& TipoRegistro,
+                                                             const Valore& NumeroRegistro, int anno,
+                                                             const Valore& clientID, long hWnd) {
+  FileStampa out(uscita);
+  Fogli f = NumeraFogli(ingresso, out.Flusso(), righe, TipoStampa, TipoRegistro, NumeroRegistro, anno, clientID, hWnd);
+  out.Chiudi();
+  return f;
+}
+
+clsNumerazioneFogli::Fogli clsNumerazioneFogli::NumeraFogli(const std::string& ingresso, std::ostream& uscita,
                                                              int righe, const Valore& TipoStampa,
                                                              const Valore& TipoRegistro,
                                                              const Valore& NumeroRegistro, int anno,

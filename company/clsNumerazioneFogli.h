@@ -7,6 +7,7 @@
 // finds 0 or null.
 #pragma once
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include "frame/ConnessioneClasse.h"
@@ -62,6 +63,10 @@ class clsNumerazioneFogli {
     long primo = 0, prossimo = 0;
   };
   Fogli NumeraFogli(const std::string& ingresso, const std::string& uscita, int righe, const Valore& TipoStampa,
+                    const Valore& TipoRegistro, const Valore& NumeroRegistro, int anno, const Valore& clientID,
+                    long hWnd);
+  // The same into the caller's stream (the print's own file, for one pass less).
+  Fogli NumeraFogli(const std::string& ingresso, std::ostream& uscita, int righe, const Valore& TipoStampa,
                     const Valore& TipoRegistro, const Valore& NumeroRegistro, int anno, const Valore& clientID,
                     long hWnd);
 

@@ -114,16 +114,23 @@ void ChiudiPaginaAsterischi(std::ostream& out, int contatore, int righe, int rig
 void ImpaginaFile(const std::string& ingresso, const std::string& uscita, int righe,
                   const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede, bool asterischi,
                   int rigaPagina) {
+  ApriIngresso(ingresso);  // a missing input leaves no output
+  FileStampa out(uscita);
+  ImpaginaFile(ingresso, out.Flusso(), righe, testata, piede, asterischi, rigaPagina);
+  out.Chiudi();
+}
+
+void ImpaginaFile(const std::string& ingresso, std::ostream& uscita, int righe,
+                  const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede, bool asterischi,
+                  int rigaPagina) {
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
-  FileStampa out(uscita);
   std::vector<std::string> t = {"", ""};
   t.insert(t.end(), testata.begin(), testata.end());
   // The two empty lines come first: head line k is index k + 1.
   int indice = rigaPagina >= 1 && rigaPagina <= 7 ? rigaPagina + 1 : -1;
-  Pagine pagine(out.Flusso(), righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), indice);
+  Pagine pagine(uscita, righe, std::move(t), std::vector<std::string>(piede.begin(), piede.end()), indice);
   Impagina(pagine, in, asterischi);
-  out.Chiudi();
 }
 
 void ImpaginaFileAzienda(const std::string& ingresso, const std::string& uscita, int righe,
@@ -157,10 +164,17 @@ std::string RigaPagina(const std::string& riga, const std::optional<Valore>& azz
 void ImpaginaSemplice(const std::string& ingresso, const std::string& uscita, int righe, int rigaA,
                       const std::string& testoA, int rigaB, const std::string& testoB, int rigaNumero,
                       const std::string& prefisso, Valore& numero) {
+  ApriIngresso(ingresso);  // a missing input leaves no output
+  FileStampa uscitaStampa(uscita);
+  ImpaginaSemplice(ingresso, uscitaStampa.Flusso(), righe, rigaA, testoA, rigaB, testoB, rigaNumero, prefisso, numero);
+  uscitaStampa.Chiudi();
+}
+
+void ImpaginaSemplice(const std::string& ingresso, std::ostream& out, int righe, int rigaA, const std::string& testoA,
+                      int rigaB, const std::string& testoB, int rigaNumero, const std::string& prefisso,
+                      Valore& numero) {
   if (righe < 5) righe = 5;
   auto in = ApriIngresso(ingresso);
-  FileStampa uscitaStampa(uscita);
-  std::ostream& out = uscitaStampa.Flusso();
   int riga = 1;
   std::string linea;
   while (LeggiRiga(in, linea)) {
@@ -173,7 +187,6 @@ void ImpaginaSemplice(const std::string& ingresso, const std::string& uscita, in
     }
     out << testo << '\n';
   }
-  uscitaStampa.Chiudi();
 }
 
 }  // namespace vorn

@@ -21,6 +21,11 @@ inline constexpr int kColonneReport = 131;
 void ImpaginaFile(const std::string& ingresso, const std::string& uscita, int righe,
                   const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede,
                   bool asterischi = false, int rigaPagina = 0);
+// The same into the caller's stream (a work file of its own, or the print's FileStampa): no
+// file is opened, closed or synced here.
+void ImpaginaFile(const std::string& ingresso, std::ostream& uscita, int righe,
+                  const std::array<std::string, 7>& testata, const std::array<std::string, 2>& piede,
+                  bool asterischi = false, int rigaPagina = 0);
 
 // A head of up to nine lines after one empty line, and a foot of up to four: trailing blank
 // lines of each are left out. The head line of index `rigaPagina` (1-based) carries the page
@@ -39,6 +44,10 @@ std::string RigaPagina(const std::string& riga, const std::optional<Valore>& azz
 // `testoB`; row `rigaNumero` gets the text left-aligned in 120 and then prefisso + "/" + numero
 // right-aligned in 11, and `numero` advances by 1 in the caller's variable.
 void ImpaginaSemplice(const std::string& ingresso, const std::string& uscita, int righe, int rigaA,
+                      const std::string& testoA, int rigaB, const std::string& testoB, int rigaNumero,
+                      const std::string& prefisso, Valore& numero);
+// The same into the caller's stream.
+void ImpaginaSemplice(const std::string& ingresso, std::ostream& uscita, int righe, int rigaA,
                       const std::string& testoA, int rigaB, const std::string& testoB, int rigaNumero,
                       const std::string& prefisso, Valore& numero);
 
