@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "company/clsAnagraficaAzienda.h"
@@ -27,6 +28,27 @@ inline std::string Dx(const std::string& s, int n) { return PadDestra(Valore(s),
 inline std::string Largo(const std::string& s, int n) {
   size_t l = LunghezzaTesto(s), w = static_cast<size_t>(n);
   return l >= w ? SinistraTesto(s, w) : s + std::string(w - l, ' ');
+}
+// Appends `s`, trimmed of blanks, left-aligned (or right-aligned) in n characters and cut when
+// longer: the text of Sx (Dx) without its copies, for the prints that write a line a row.
+inline void Accoda(std::string& riga, std::string_view s, int n, bool destra = false) {
+  size_t b = 0, e = s.size();
+  while (b < e && s[b] == ' ') ++b;
+  while (e > b && s[e - 1] == ' ') --e;
+  s = s.substr(b, e - b);
+  for (unsigned char c : s)
+    if (c >= 0x80) {  // characters of more than one byte: the general road
+      riga += destra ? Dx(std::string(s), n) : Sx(std::string(s), n);
+      return;
+    }
+  const size_t w = n > 0 ? static_cast<size_t>(n) : 0;
+  if (s.size() >= w) {
+    riga.append(s.substr(0, w));
+    return;
+  }
+  if (destra) riga.append(w - s.size(), ' ');
+  riga.append(s);
+  if (!destra) riga.append(w - s.size(), ' ');
 }
 inline std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
 // A column's amount; nothing for a null one.
