@@ -1,6 +1,7 @@
 #include "ledger/clsLibroGiornale.h"
 
 #include <array>
+#include <cstdio>
 #include <fstream>
 #include <limits>
 #include <map>
@@ -15,7 +16,6 @@
 #include "frame/FileVorn.h"
 #include "frame/Formato.h"
 #include "frame/Impaginazione.h"
-#include "frame/TabellaLavoro.h"
 #include "ledger/clsPrimaNota.h"
 
 namespace vorn {
@@ -25,7 +25,6 @@ namespace {
 using namespace stampa_libri;
 
 constexpr const char* kTitolo = "Stampa libro giornale";
-constexpr const char* kGiorni = "Giorni da stampare su libro giornale";
 
 std::string Riga(char c) { return std::string(kColonneReport, c); }
 
@@ -46,8 +45,13 @@ struct Impronta {
   Importo dare, avere;
   uint64_t digest = 0;
 
-  // v: the columns of kChiave, in order.
-  void Aggiungi(const std::vector<Valore>& v) {
+  // v: the columns of kChiave, in order; the digest only when it is to be compared.
+  void Aggiungi(const std::vector<Valore>& v, bool conDigest = true) {
+    Importo importo = Imp(v[7]);
+    ++righe;
+    if (T(v[4]) == "A") avere += importo;
+    else dare += importo;
+    if (!conDigest) return;
     uint64_t h = 1469598103934665603ull;
     auto mescola = [&h](const std::string& s) {
       for (unsigned char c : s) h = (h ^ c) * 1099511628211ull;
@@ -56,12 +60,8 @@ struct Impronta {
     auto d = v[0].ComeData();
     mescola(d ? d->Formato("yyyymmdd") : std::string());
     for (size_t i = 1; i < 7; ++i) mescola(T(v[i]));
-    Importo importo = Imp(v[7]);
     mescola(std::to_string(importo.Raw()));
     digest += h;
-    ++righe;
-    if (T(v[4]) == "A") avere += importo;
-    else dare += importo;
   }
   bool operator==(const Impronta& o) const {
     return righe == o.righe && dare == o.dare && avere == o.avere && digest == o.digest;
@@ -122,21 +122,6 @@ std::string Numero(const Valore& v) {
 
 std::string DataLunga(const Data& d) { return d.Formato("dd/mm/yyyy"); }
 
-// The debit and credit of each day of the period, the rows already printed included.
-std::map<std::string, std::pair<Importo, Importo>> TotaliGiorni(Connessione& cn, const Data& da, const Data& al) {
-  std::map<std::string, std::pair<Importo, Importo>> t;
-  cn.Scorri("SELECT P.[DataRegistrazione], P.[DareAvere], SUM(P.[ImportoMovimento]) FROM [Prima Nota] P WHERE "
-            "P.[DataRegistrazione] >= ? AND P.[DataRegistrazione] <= ? GROUP BY P.[DataRegistrazione], P.[DareAvere]",
-            {Valore(da), Valore(al)}, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
-              auto d = v[0].ComeData();
-              if (!d) return true;
-              auto& g = t[d->Formato("yyyymmdd")];
-              (T(v[1]) == "A" ? g.second : g.first) += Imp(v[2]);
-              return true;
-            });
-  return t;
-}
-
 // The head of a page of the book: its two empty lines and seven; the foot: two.
 constexpr int kRigheTestata = 9, kRighePiede = 2;
 
@@ -189,8 +174,6 @@ class Corpo {
 
 }  // namespace
 
-std::string clsLibroGiornale::NomeTabellaGiorni(const std::string& prefisso) { return prefisso + kGiorni; }
-
 bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
   esito_ = {};
   const std::shared_ptr<Connessione>& conn = cn;
@@ -214,20 +197,6 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
   clsNumerazioneFogli* fogli = Usa(a.objNumerazioneFogli, pFogli, conn);
   Usa(a.objPrimaNota, pPn, conn);
 
-  // The days to print, in the caller's work table: gone at the end whatever happens.
-  TabellaLavoro giorni(db, a.avar_PrefissoTabelleTmp, kGiorni,
-                       {{"DataRegistrazione", TipoCampo::Data}, {"Stato", TipoCampo::Testo, 1}});
-  struct Elimina {
-    TabellaLavoro& t;
-    ~Elimina() {
-      try {
-        t.Elimina();
-      } catch (...) {
-      }
-    }
-  } elimina{giorni};
-  giorni.Elimina();
-
   Progressivi inizioAnno;
   if (!LeggiProgressivi(*progressivi, inizioAnno)) {
     Host().Beep();
@@ -235,56 +204,58 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
     return false;
   }
 
-  giorni.Crea();
-  int64_t nGiorni = giorni.Riempi(
-      std::string("SELECT DISTINCT P.[DataRegistrazione], '' FROM [Prima Nota] P WHERE ") + kDaStampare,
-      {Valore(da), Valore(al)});
-  if (nGiorni == 0) {
-    Host().Beep();
-    Host().MsgBox("Nessun dato da stampare.", vbInformation, "STAMPA");
-    esito_.nessunDato = true;
-    return false;
-  }
+  FileLavoro file({"libgio.tmp", "~libgio.tmp"});
+  const std::string &corpo = file[0], &pagine = file[1];
 
-  FileLavoro file({"libgio.tmp", "~libgio.tmp", "~libgionum.tmp"});
-  const std::string &corpo = file[0], &pagine = file[1], &numerato = file[2];
-
-  // ---- the body: the rows of each day, the day's totals, then the running totals
-  const auto totaliGiorni = TotaliGiorni(db, da, al);
+  // ---- the body: the rows of each day, the day's totals, then the running totals. One read of
+  // the month gives both: the rows already on the book count in their day's totals and are
+  // not printed; a day with no row left to print is not printed at all.
   Nomi nomi(db);
   Impronta stampate;
   int32_t progressivoRiga = inizioAnno.riga;
   {
     Corpo out(corpo, a.avar_RighePagina, inizioAnno.dare, inizioAnno.avere);
     std::string giorno, registrazione;
-    long giorniFatti = 0;
+    std::string data;  // of the day, dd/mm/yyyy
+    bool aperto = false;
+    Importo dareGiorno, avereGiorno;
+    std::string linea, cifra;
+    Importo ultimoImporto;
     auto chiudiGiorno = [&]() {
-      if (giorno.empty()) return;
-      auto t = totaliGiorni.find(giorno);
-      std::pair<Importo, Importo> s = t == totaliGiorni.end() ? std::pair<Importo, Importo>{} : t->second;
-      const std::string data = giorno.substr(6, 2) + "/" + giorno.substr(4, 2) + "/" + giorno.substr(0, 4);
-      out.Riga("                                     Totale DARE  del giorno  " + data + std::string(36, ' ') +
-               Dx(Cifra(s.first), 18));
-      out.Riga("                                     Totale AVERE del giorno  " + data + std::string(41, ' ') +
-               Dx(Cifra(s.second), 18));
+      if (aperto) {
+        out.Riga("                                     Totale DARE  del giorno  " + data + std::string(36, ' ') +
+                 Dx(Cifra(dareGiorno), 18));
+        out.Riga("                                     Totale AVERE del giorno  " + data + std::string(41, ' ') +
+                 Dx(Cifra(avereGiorno), 18));
+      }
+      aperto = false;
+      dareGiorno = avereGiorno = Importo();
     };
     db.Scorri(std::string("SELECT ") + kChiave +
                   ", P.[DataDocumento], P.[NumeroDocumento], P.[SerieDocumento], P.[NumeroDiProtocollo], "
-                  "P.[IndClienteFornitore], P.[CodiceCausale], P.[DescrizioneSupplem] FROM [Prima Nota] P WHERE " +
-                  kDaStampare +
-                  " ORDER BY P.[DataRegistrazione], P.[NumeroRegistrazione], COALESCE(P.[TipoRigaIvaNormale], ''), "
-                  "COALESCE(P.[NumRigaAVideo], ''), P.[DareAvere]",
+                  "P.[IndClienteFornitore], P.[CodiceCausale], P.[DescrizioneSupplem], "
+                  "COALESCE(substr(P.[Stringa10indicatori], 2, 1), '') FROM [Prima Nota] P WHERE "
+                  "P.[DataRegistrazione] >= ? AND P.[DataRegistrazione] <= ? ORDER BY P.[DataRegistrazione], "
+                  "P.[NumeroRegistrazione], COALESCE(P.[TipoRigaIvaNormale], ''), COALESCE(P.[NumRigaAVideo], ''), "
+                  "P.[DareAvere]",
               {Valore(da), Valore(al)}, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
-                auto d = v[0].ComeData();
-                const std::string chiaveGiorno = d ? d->Formato("yyyymmdd") : std::string();
-                const std::string reg = T(v[1]);
+                // The day changes when the stored date does: it is read only then.
+                const std::string chiaveGiorno = v[0].Testo();
                 if (chiaveGiorno != giorno) {
                   chiudiGiorno();
                   giorno = chiaveGiorno;
-                  const std::string data = d ? DataLunga(*d) : std::string(10, ' ');
-                  if (a.formAttiva)
-                    a.formAttiva->msgbar(" Elaborazione registrazioni del " + data + " (" +
-                                         std::to_string(++giorniFatti) + " di " + std::to_string(nGiorni) + ")");
+                  auto d = v[0].ComeData();
+                  data = d ? DataLunga(*d) : std::string(10, ' ');
+                }
+                const bool avere = T(v[4]) == "A";
+                const Importo importo = Imp(v[7]);
+                (avere ? avereGiorno : dareGiorno) += importo;
+                if (T(v[15]) == "G") return true;  // already on the book
+
+                const std::string reg = T(v[1]);
+                if (!aperto) {
+                  aperto = true;
+                  if (a.formAttiva) a.formAttiva->msgbar(" Elaborazione registrazioni del " + data);
                   out.Riga("         Movimenti del  " + data + std::string(35, ' ') + std::string(62, '-'));
                 } else if (reg != registrazione) {
                   out.Riga(std::string(69, ' ') + std::string(62, '-'));
@@ -295,18 +266,36 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
                 ++progressivoRiga;
 
                 const std::string conto = T(v[5]), soggetto = T(v[6]);
-                std::string testo = soggetto.empty() ? nomi.Conto(conto) : nomi.Soggetto(T(v[12]), soggetto);
+                const std::string& nome = soggetto.empty() ? nomi.Conto(conto) : nomi.Soggetto(T(v[12]), soggetto);
+                auto doc = v[8].ComeData();
+                // The line, built in one buffer that keeps its room from row to row.
+                char numeroRiga[16];
+                std::snprintf(numeroRiga, sizeof numeroRiga, "%06d ", static_cast<int>(progressivoRiga));
+                linea.assign(numeroRiga);
+                Accoda(linea, doc ? doc->Formato("dd/mm/yy") : std::string(), 8);
+                linea += "  ";
+                Accoda(linea, Numero(v[9]), 6, true);
+                linea += '/';
+                Accoda(linea, v[10].Testo(), 6);
+                Accoda(linea, Numero(v[11]), 6, true);
+                linea += ' ';
                 if (a.avar_StampaCodiciConti)
-                  testo = conto + (soggetto.empty() ? "" : "/" + soggetto) + " " + testo;
-                const std::string dataDoc = v[8].ComeData() ? DataBreve(v[8]).Testo() : "";
-                const bool avere = T(v[4]) == "A";
-                const Importo importo = Imp(v[7]);
-                out.Riga(Format(Valore(static_cast<long long>(progressivoRiga)), "000000") + " " + Largo(dataDoc, 8) +
-                         "  " + Dx(Numero(v[9]), 6) + "/" + Sx(T(v[10]), 6) + Dx(Numero(v[11]), 6) + " " +
-                         Sx(testo, 31) + " " + Sx(nomi.Causale(T(v[13])), 20) + " " + Sx(T(v[14]), 20) +
-                         (avere ? std::string(5, ' ') : std::string()) + Dx(Cifra(importo), 16));
+                  Accoda(linea, conto + (soggetto.empty() ? "" : "/" + soggetto) + " " + nome, 31);
+                else
+                  Accoda(linea, nome, 31);
+                linea += ' ';
+                Accoda(linea, nomi.Causale(T(v[13])), 20);
+                linea += ' ';
+                Accoda(linea, v[14].Testo(), 20);
+                if (avere) linea.append(5, ' ');
+                if (!(importo == ultimoImporto) || cifra.empty()) {  // an entry's two sides share it
+                  ultimoImporto = importo;
+                  cifra = Cifra(importo);
+                }
+                Accoda(linea, cifra, 16, true);
+                out.Riga(linea);
                 out.Somma(avere, importo);
-                stampate.Aggiungi(v);
+                stampate.Aggiungi(v, bollato);
                 return true;
               });
     chiudiGiorno();
@@ -322,14 +311,12 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
     out.Chiudi();
   }
   if (stampate.righe == 0) {
-    // Every row of the month was printed by another user since the days were read.
     Host().Beep();
     Host().MsgBox("Nessun dato da stampare.", vbInformation, "STAMPA");
     esito_ = {};
     esito_.nessunDato = true;
     return false;
   }
-
   // ---- pages and sheets
   const auto azienda = RigheAzienda(*anagrafica);
   std::array<std::string, 7> testa = {
@@ -343,19 +330,27 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
       Riga('=')};
   std::array<std::string, 2> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), ""};
   RigaPagina("", Valore(0));
-  ImpaginaFile(corpo, pagine, a.avar_RighePagina, testa, piede, false, 1);
-  std::string finale = pagine;
-  if (a.avar_NumerazionePagine) {
-    auto numerati = fogli->NumeraFogli(pagine, numerato, a.avar_RighePagina, Valore("G"), Valore(""), Valore(""),
-                                       a.avar_Anno, a.clientID, a.hWnd);
-    esito_.primoFoglio = numerati.primo;
-    esito_.prossimoFoglio = numerati.prossimo;
-    finale = numerato;
+  {
+    // A work file: written plainly, the print's own file is the one kept whole.
+    std::ofstream out(pagine, std::ios::binary);
+    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
+    ImpaginaFile(corpo, out, a.avar_RighePagina, testa, piede, false, 1);
+    out.close();
+    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
   }
 
-  // ---- the caller's file, named once the bookkeeping is committed
+  // ---- the caller's file, the sheets numbered straight into it; it is named once the
+  // bookkeeping is committed
   FileStampa stampa(a.nomeFile);
-  CopiaInStampa(finale, stampa, a.nomeFile);
+  if (a.avar_NumerazionePagine) {
+    auto numerati = fogli->NumeraFogli(pagine, stampa.Flusso(), a.avar_RighePagina, Valore("G"), Valore(""),
+                                       Valore(""), a.avar_Anno, a.clientID, a.hWnd);
+    if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
+    esito_.primoFoglio = numerati.primo;
+    esito_.prossimoFoglio = numerati.prossimo;
+  } else {
+    CopiaInStampa(pagine, stampa, a.nomeFile);
+  }
   if (bollato) {
     Atomico unita(db);
     auto rifiuta = [&](const std::string& perche) {

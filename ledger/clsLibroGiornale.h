@@ -8,7 +8,9 @@
 // or printed rows of the month meanwhile, the run is refused and nothing is written. A trial
 // print and the definitive print of the same month give the same lines.
 //
-// The rows stream from the journal: the memory of a print does not grow with the month.
+// The rows stream from the journal in one read of the month, which gives the day's totals too
+// (the rows already on the book count in them): no work table, and the memory of a print does
+// not grow with the month.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -45,7 +47,7 @@ struct ArgomentiLibroGiornale {
   std::string avar_ProvaBollato;        // "B" definitive, anything else a trial
   int avar_RighePagina = 72;
   bool avar_NumerazionePagine = true;  // the sheets numbered from the book's next one
-  std::string avar_PrefissoTabelleTmp = "g";
+  std::string avar_PrefissoTabelleTmp = "g";  // kept for the callers: the print needs no work table
   Valore clientID = Valore("");
   long hWnd = 0;
 };
@@ -69,9 +71,6 @@ class clsLibroGiornale {
   // The whole run; true when the print was made (and, when definitive, committed).
   bool StampaLibroGiornale(const ArgomentiLibroGiornale& a);
   const EsitoLibroGiornale& Esito() const { return esito_; }
-
-  // The name of the work table of the days to print, as used in a statement.
-  static std::string NomeTabellaGiorni(const std::string& prefisso);
 
  private:
   EsitoLibroGiornale esito_;
