@@ -1008,9 +1008,10 @@ const char* const kUsoDemo =
     "  --seme N            il seme dei dati (1)\n"
     "  --clienti N         quanti clienti (40)\n"
     "  --fornitori N       quanti fornitori (25)\n"
-    "  --registrazioni N   quante registrazioni oltre all'apertura e alle liquidazioni IVA (1200);\n"
-    "                      ogni registrazione ha in media poco più di tre righe (320000 registrazioni\n"
-    "                      fanno circa un milione di righe); oltre 99999 i numeri di registrazione\n"
+    "  --registrazioni N   quante registrazioni oltre all'apertura, alle liquidazioni IVA e a quelle\n"
+    "                      degli importi che le fatture saldano da sé (1200); ogni registrazione ha\n"
+    "                      in media poco più di tre righe (320000 registrazioni fanno circa un\n"
+    "                      milione di righe); oltre 99999 i numeri di registrazione\n"
     "                      passano a sei cifre\n"
     "  --anno AAAA         l'anno delle registrazioni (2024)\n\n"
     "Un file DIR/azienda.db che esiste già non viene toccato: il comando termina con un errore.\n";
