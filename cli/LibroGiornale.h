@@ -13,8 +13,7 @@ namespace vorn::cli {
 std::string NomeFileLibroGiornale(int anno, int mese);
 
 // The arguments of a print on this company, without the period and the file: its name and VAT
-// number for the foot, a work-table prefix of this process, the sheets numbered; a trial of 72
-// lines a page.
+// number for the foot, the sheets numbered; a trial of 72 lines a page.
 ArgomentiLibroGiornale ArgomentiLibroGiornaleAzienda(const std::shared_ptr<Connessione>& cn);
 
 }  // namespace vorn::cli

@@ -3,7 +3,6 @@
 
 #include "cli/Comandi.h"
 #include "cli/LibroGiornale.h"
-#include "cli/RegistroIva.h"
 #include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
@@ -21,7 +20,6 @@ ArgomentiLibroGiornale ArgomentiLibroGiornaleAzienda(const std::shared_ptr<Conne
   anagrafica.cn = cn;
   a.AzRagSoc = anagrafica.GetRagioneSocialeAzienda();
   a.AzParIva = anagrafica.GetPartitaIVAAzienda();
-  a.avar_PrefissoTabelleTmp = PrefissoTabelleProcesso();
   a.avar_ProvaBollato = "P";
   a.avar_RighePagina = 72;
   a.avar_NumerazionePagine = true;
@@ -49,8 +47,8 @@ const char* const kUso =
     "  --righe N          righe di una pagina, testata e piede compresi (predefinite 72, almeno 14)\n"
     "  --uscita PERCORSO  il file della stampa (predefinito: LibroGiornale_<AAAA><MM>.txt nella\n"
     "                     cartella Temp dell'applicazione, per esempio LibroGiornale_202401.txt)\n\n"
-    "Anche la stampa di prova scrive nel database (la tabella di lavoro dei giorni da stampare, tolta\n"
-    "alla fine): l'azienda è aperta in scrittura in ogni caso.\n";
+    "La stampa di prova non scrive nel database: l'azienda è aperta in sola lettura, e in scrittura\n"
+    "soltanto con --bollato.\n";
 
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
@@ -66,7 +64,7 @@ int Esegui(Contesto& ctx) {
   std::string uscita = uscitaOpzione ? *uscitaOpzione : CartellaStampe() + "/" + NomeFileLibroGiornale(anno, mese);
   UscitaStampa(az, uscita);
 
-  auto db = ApriAzienda(az, Accesso::Scrittura);
+  auto db = ApriAzienda(az, bollato ? Accesso::Scrittura : Accesso::Lettura);
   ArgomentiLibroGiornale arg = ArgomentiLibroGiornaleAzienda(db->cn);
   arg.formAttiva = &ctx.form;
   arg.nomeFile = uscita;
