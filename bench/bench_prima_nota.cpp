@@ -4,6 +4,7 @@
 //              [--ricostruzione RIGHE]
 //   vorn_bench mastrini [...]   (the ledger cards' own benchmark)
 //   vorn_bench registri-iva [...]   (the VAT registers of a year)
+//   vorn_bench libro-giornale [...]   (the journal book of a year)
 //   vorn_bench elabora-fatture [...]   (invoice posting, one durable commit per document)
 //   vorn_bench bilancio [...]   (the balance sheet and the trial balance)
 //
@@ -33,6 +34,7 @@
 #include "frame/Host.h"
 #include "frame/Schema.h"
 #include "bench/AziendaBench.h"
+#include "bench/Memoria.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsPrimaNota.h"
 #include "ledger/clsRicosContabile.h"
@@ -128,21 +130,9 @@ std::string SqlInsert() {
   return "INSERT INTO [Prima Nota] (" + cols + ") VALUES (" + vals + ")";
 }
 
-long PiccoMemoriaKb() {
-  std::ifstream f("/proc/self/status");
-  std::string riga;
-  while (std::getline(f, riga))
-    if (riga.rfind("VmHWM:", 0) == 0) return std::strtol(riga.c_str() + 6, nullptr, 10);
-  return -1;
-}
-long MemoriaKb() {
-  std::ifstream f("/proc/self/status");
-  std::string riga;
-  while (std::getline(f, riga))
-    if (riga.rfind("VmRSS:", 0) == 0) return std::strtol(riga.c_str() + 6, nullptr, 10);
-  return -1;
-}
-void AzzeraPiccoMemoria() { std::ofstream("/proc/self/clear_refs") << "5"; }
+using bench::AzzeraPiccoMemoria;
+using bench::MemoriaKb;
+using bench::PiccoMemoriaKb;
 
 // unica: every entry in one transaction; registrazione: one transaction per entry, as the
 // posting of invoices does.
@@ -284,6 +274,7 @@ int main(int argc, char** argv) {
   if (argc > 1 && std::strcmp(argv[1], "registri-iva") == 0) return BenchRegistriIva(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "elabora-fatture") == 0) return BenchElaboraFatture(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "bilancio") == 0) return BenchBilancio(argc - 1, argv + 1);
+  if (argc > 1 && std::strcmp(argv[1], "libro-giornale") == 0) return BenchLibroGiornale(argc - 1, argv + 1);
 #endif
   int righe = 10000;
   long ricostruzione = 0;

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "bench/AziendaBench.h"
+#include "bench/Memoria.h"
 #include "bench/bench.h"
 #include "cli/Demo.h"
 #include "cli/RegistroIva.h"
@@ -51,17 +52,9 @@ using bench::Orologio;
 using bench::Secondi;
 namespace fs = std::filesystem;
 
-long StatoKb(const char* voce) {
-  std::ifstream f("/proc/self/status");
-  std::string riga;
-  const std::string v = voce;
-  while (std::getline(f, riga))
-    if (riga.rfind(v, 0) == 0) return std::strtol(riga.c_str() + v.size(), nullptr, 10);
-  return -1;
-}
-long MemoriaKb() { return StatoKb("VmRSS:"); }
-long PiccoMemoriaKb() { return StatoKb("VmHWM:"); }
-void AzzeraPiccoMemoria() { std::ofstream("/proc/self/clear_refs") << "5"; }
+using bench::AzzeraPiccoMemoria;
+using bench::MemoriaKb;
+using bench::PiccoMemoriaKb;
 
 class FormProgresso : public IForm {
  public:
