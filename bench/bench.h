@@ -13,3 +13,6 @@ int BenchElaboraFatture(int argc, char** argv);
 
 // The balance sheet and the trial balance over a large journal, against a plain GROUP BY of its rows.
 int BenchBilancio(int argc, char** argv);
+
+// The journal book of a year over a large journal, against a plain ordered read of its rows.
+int BenchLibroGiornale(int argc, char** argv);

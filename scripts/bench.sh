@@ -19,5 +19,6 @@ if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" --righe 1000 --ricostruzione 1000000 --motore entrambi
 "$B" mastrini --motore entrambi
 "$B" registri-iva --motore entrambi
+"$B" libro-giornale --motore entrambi
 "$B" elabora-fatture --documenti 10000 --motore entrambi
 "$B" bilancio --motore entrambi
