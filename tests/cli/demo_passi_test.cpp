@@ -125,6 +125,21 @@ TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
     EXPECT_EQ(data.Testo().substr(0, 10), "31/03/2024") << tipo;
   }
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Numerazione Fogli] WHERE [TipoStampa] = 'R' AND [Anno] = 2024"), 2);
+  // The journal book of January to March, definitive after the ledger card: every row of the
+  // quarter on the book and none after it, numbered 1 on, its running totals the quarter's.
+  EXPECT_LT(posizione("mastrino dei clienti"), posizione("libro giornale"));
+  EXPECT_LT(posizione("libro giornale"), posizione("registri IVA"));
+  EXPECT_NE(testo.find("Libro giornale: 3 stampe bollate in " + stampe + "/LibroGiornale ("), std::string::npos);
+  for (const char* mm : {"01", "02", "03"})
+    EXPECT_LT(indice(stampe + "/LibroGiornale/LibroGiornale_2024" + std::string(mm) + ".txt"), indice(gennaio)) << mm;
+  const long righeGiornale =
+      Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE [DataRegistrazione] BETWEEN ? AND ?", trimestre);
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE SUBSTR([Stringa10indicatori], 2, 1) = 'G'"), righeGiornale);
+  EXPECT_EQ(Conta("SELECT [NumRigaLibroGiornale] FROM [Progressivi Azienda Vorn]"), righeGiornale);
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [ProgDareLibroGiornale] FROM [Progressivi Azienda Vorn]")),
+            NullToZeroCy(cn->Scalare("SELECT SUM([ImportoMovimento]) FROM [Prima Nota] WHERE [DareAvere] = 'D' AND "
+                                     "[DataRegistrazione] BETWEEN ? AND ?",
+                                     trimestre)));
   // No work table of the prints is left in the company.
   for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
 }
