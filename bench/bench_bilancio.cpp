@@ -149,14 +149,12 @@ int Esegui(bool pg, long righe, int ripetizioni) {
   for (int r = 0; r < ripetizioni; ++r) {
     // The plain read: every row, grouped by account and side.
     auto t = Orologio::now();
-    gruppiLetti = 0;
-    az.cn->Scorri(
+    // Read whole (Execute, not a cursor: a cursor makes PostgreSQL plan for the first rows, an
+    // ordered read by the account's index, twice as slow).
+    auto rs = az.cn->Execute(
         "SELECT [Prima Nota].[ContoPrimaNota], [Prima Nota].[DareAvere], SUM([Prima Nota].[ImportoMovimento]) "
-        "FROM [Prima Nota] GROUP BY [Prima Nota].[ContoPrimaNota], [Prima Nota].[DareAvere]",
-        {}, [&](const std::vector<Colonna>&, const std::vector<Valore>&) {
-          ++gruppiLetti;
-          return true;
-        });
+        "FROM [Prima Nota] GROUP BY [Prima Nota].[ContoPrimaNota], [Prima Nota].[DareAvere]");
+    gruppiLetti = static_cast<long>(rs.RecordCount());
     tLettura.Aggiungi(Secondi(t));
 
     clsBilancio b;

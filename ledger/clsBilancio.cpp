@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <stdexcept>
+#include <tuple>
 
 #include "company/StampaLibri.h"
 #include "company/clsAnagraficaAzienda.h"
@@ -183,6 +184,28 @@ struct Catena {
   Importo risultatoPrec;                    // last year's result: costs minus revenues
 };
 
+// Rows into a work table, a few hundred to a statement, each row one value per column.
+void InserisciRighe(Connessione& cn, TabellaLavoro& t, const std::vector<std::vector<Valore>>& righe) {
+  const auto& colonne = t.Colonne();
+  std::string testa = "INSERT INTO [" + t.Nome() + "] (", tupla = "(";
+  for (size_t c = 0; c < colonne.size(); ++c) {
+    testa += (c ? ", [" : "[") + colonne[c].nome + "]";
+    tupla += c ? ", ?" : "?";
+  }
+  testa += ") VALUES ";
+  tupla += ")";
+  constexpr size_t kLotto = 200;
+  for (size_t i = 0; i < righe.size(); i += kLotto) {
+    std::string sql = testa;
+    Parametri p;
+    for (size_t r = i; r < righe.size() && r < i + kLotto; ++r) {
+      sql += (r > i ? ", " : "") + tupla;
+      p.insert(p.end(), righe[r].begin(), righe[r].end());
+    }
+    cn.Esegui(sql, p);
+  }
+}
+
 // Runs the chain into the work tables (dropped first).
 void CostruisciCatena(Connessione& cn, Tabelle& t, const Catena& c, IForm* form) {
   Msgbar(form, "Eliminazione tabelle temporanee");
@@ -229,33 +252,44 @@ void CostruisciCatena(Connessione& cn, Tabelle& t, const Catena& c, IForm* form)
                         Valore(*c.aperturaLogica)});
   }
 
-  // The signed balance of each sub-account and partner in the period.
+  // The signed balance of each sub-account and partner in the period. The journal is read as a
+  // plain GROUP BY of its own columns, no expression on a row, so that it costs what a plain
+  // read of the rows costs (and PostgreSQL may read it in parallel, which it never does for an
+  // INSERT ... SELECT); the sides and the synthetic rows are folded in here.
   Parametri p{Valore(c.dal), Valore(c.al)};
   std::string logica;
   if (c.aperturaLogica) {
     logica = " AND ([Prima Nota].[DataCompetenza] >= ? OR " + SezioneDi("[Prima Nota].[ContoPrimaNota]") + " <> 'E')";
     p.push_back(Valore(*c.aperturaLogica));
   }
-  p.push_back(Valore(c.dal));
-  p.push_back(Valore(c.al));
+  std::map<std::tuple<std::string, std::string, std::string>, Importo> saldi;
+  auto aggiungi = [&](Recordset rs) {
+    for (; !rs.Eof(); rs.MoveNext()) {
+      Importo i = NullToZeroCy(rs(4).Value());
+      saldi[{Trim(rs(0).Value().Testo()), Trim(rs(1).Value().Testo()), Trim(rs(2).Value().Testo())}] +=
+          Trim(rs(3).Value().Testo()) == "A" ? -i : i;
+    }
+  };
+  aggiungi(cn.Execute(
+      "SELECT [Prima Nota].[ContoPrimaNota], [Prima Nota].[IndClienteFornitore], [Prima Nota].[CodClienteFornitore], "
+      "[Prima Nota].[DareAvere], SUM([Prima Nota].[ImportoMovimento]) FROM [Prima Nota] "
+      "WHERE [Prima Nota].[DataCompetenza] BETWEEN ? AND ?" + logica +
+          " GROUP BY [Prima Nota].[ContoPrimaNota], [Prima Nota].[IndClienteFornitore], "
+          "[Prima Nota].[CodClienteFornitore], [Prima Nota].[DareAvere]",
+      p));
+  aggiungi(cn.Execute(
+      "SELECT [Prima nota sintetica].[ContoPrimaNota], [Prima nota sintetica].[IndClienteFornitore], "
+      "[Prima nota sintetica].[CodClienteFornitore], [Prima nota sintetica].[DareAvere], "
+      "[Prima nota sintetica].[ImportoMovimento] FROM [Prima nota sintetica] "
+      "WHERE [Prima nota sintetica].[DataCompetenza] BETWEEN ? AND ?",
+      {Valore(c.dal), Valore(c.al)}));
+  std::vector<std::vector<Valore>> righe;
+  righe.reserve(saldi.size());
+  for (const auto& [k, saldo] : saldi)
+    righe.push_back({Valore(SinistraTesto(std::get<0>(k), 2)), Valore(std::get<0>(k)), Valore(std::get<1>(k)),
+                     Valore(std::get<2>(k)), Valore(saldo)});
   t.senzaSezione.Crea();
-  t.senzaSezione.Riempi(
-      "SELECT substr([m].[ContoPrimaNota], 1, 2), [m].[ContoPrimaNota], [m].[IndClienteFornitore], "
-      "[m].[CodClienteFornitore], SUM([m].[Importo]) FROM ("
-      "SELECT [Prima Nota].[ContoPrimaNota] AS [ContoPrimaNota], "
-      "COALESCE([Prima Nota].[IndClienteFornitore], '') AS [IndClienteFornitore], "
-      "COALESCE([Prima Nota].[CodClienteFornitore], '') AS [CodClienteFornitore], "
-      "CASE WHEN [Prima Nota].[DareAvere] = 'A' THEN -[Prima Nota].[ImportoMovimento] "
-      "ELSE [Prima Nota].[ImportoMovimento] END AS [Importo] "
-      "FROM [Prima Nota] WHERE [Prima Nota].[DataCompetenza] BETWEEN ? AND ?" +
-          logica +
-          " UNION ALL SELECT [Prima nota sintetica].[ContoPrimaNota], [Prima nota sintetica].[IndClienteFornitore], "
-          "[Prima nota sintetica].[CodClienteFornitore], CASE WHEN [Prima nota sintetica].[DareAvere] = 'A' "
-          "THEN -[Prima nota sintetica].[ImportoMovimento] ELSE [Prima nota sintetica].[ImportoMovimento] END "
-          "FROM [Prima nota sintetica] WHERE [Prima nota sintetica].[DataCompetenza] BETWEEN ? AND ?"
-          ") [m] GROUP BY substr([m].[ContoPrimaNota], 1, 2), [m].[ContoPrimaNota], [m].[IndClienteFornitore], "
-          "[m].[CodClienteFornitore]",
-      p);
+  InserisciRighe(cn, t.senzaSezione, righe);
 
   // The section by the group's row of the chart: a group the chart does not know falls out.
   t.sottoconti.Crea();
@@ -636,20 +670,20 @@ std::vector<RigaBilancioVerifica> clsBilancio::BilancioVerificaSottoconti(const 
                descrizioni[Trim(r[0].Testo())] = Trim(r[1].Testo());
                return true;
              });
+  // Read whole, a row an account: a cursor would make PostgreSQL plan for the first rows.
   std::vector<RigaBilancioVerifica> v;
-  cn->Scorri(sql, p, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
+  for (auto rs = cn->Execute(sql, p); !rs.Eof(); rs.MoveNext()) {
     RigaBilancioVerifica riga;
-    riga.codice = Trim(r[0].Testo());
+    riga.codice = Trim(rs(0).Value().Testo());
     auto d = descrizioni.find(riga.codice);
     if (d != descrizioni.end()) riga.descrizione = d->second;
-    riga.dare = NullToZeroCy(r[1]);
-    riga.avere = NullToZeroCy(r[2]);
-    Importo ap = NullToZeroCy(r[3]);
+    riga.dare = NullToZeroCy(rs(1).Value());
+    riga.avere = NullToZeroCy(rs(2).Value());
+    Importo ap = NullToZeroCy(rs(3).Value());
     if (ap > Importo()) riga.dare += ap;
     else riga.avere -= ap;
     if (!riga.dare.Zero() || !riga.avere.Zero()) v.push_back(std::move(riga));
-    return true;
-  });
+  }
   return v;
 }
 
