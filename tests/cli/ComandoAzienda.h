@@ -1,9 +1,12 @@
 // The arguments that name the test's company to a vorn command, on either engine.
 #pragma once
+#include <cstdio>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "cli/Comandi.h"
 #include "frame/Db.h"
 
 namespace vorn::test {
@@ -32,6 +35,26 @@ inline std::vector<std::string> RigaComando(const std::string& cartella, const s
   std::vector<std::string> a = {"--cartella", cartella, comando};
   for (auto& s : ArgomentiAzienda(postgres, file, pg)) a.push_back(std::move(s));
   return a;
+}
+
+// What a run of vorn gave: its exit code, what it printed and its messages.
+struct EsitoComando {
+  int rc = 0;
+  std::string out, err;
+};
+// Runs vorn with `argv` (without the program's name), its messages into a file read back.
+inline EsitoComando EseguiVorn(const std::vector<std::string>& argv) {
+  std::ostringstream o;
+  std::FILE* e = std::tmpfile();
+  EsitoComando r;
+  r.rc = cli::Esegui(argv, o, e);
+  std::rewind(e);
+  char buf[4096];
+  size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
+  std::fclose(e);
+  r.out = o.str();
+  return r;
 }
 
 }  // namespace vorn::test

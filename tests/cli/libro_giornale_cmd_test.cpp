@@ -53,24 +53,11 @@ class ComandoLibroGiornale : public AziendaTest {
     }
   }
 
-  struct Esito {
-    int rc;
-    std::string out, err;
-  };
+  using Esito = EsitoComando;
   Esito Vorn(const std::vector<std::string>& resto) {
     std::vector<std::string> a = RigaComando(app, "libro-giornale", Pg(), file, pg);
     a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    Esito r;
-    r.rc = cli::Esegui(a, o, e);
-    std::rewind(e);
-    char buf[4096];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
-    std::fclose(e);
-    r.out = o.str();
-    return r;
+    return EseguiVorn(a);
   }
 
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }

@@ -161,24 +161,11 @@ class ComandoLiquidazioneIva : public AziendaTest {
              {{"D", "0501001", "110.91", "C"}, {"A", "7001001", "90.91"}}, {{"A", "1401001", "022", "90.91", "20"}});
   }
 
-  struct Esito {
-    int rc;
-    std::string out, err;
-  };
+  using Esito = EsitoComando;
   Esito Vorn(const std::string& comando, const std::vector<std::string>& resto) {
     std::vector<std::string> a = RigaComando(app, comando, Pg(), file, pg);
     a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    Esito r;
-    r.rc = cli::Esegui(a, o, e);
-    std::rewind(e);
-    char buf[4096];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
-    std::fclose(e);
-    r.out = o.str();
-    return r;
+    return EseguiVorn(a);
   }
   Esito Liquidazione(const std::vector<std::string>& resto) { return Vorn("liquidazione-iva", resto); }
   // Both registers of the month printed definitively, their sheets numbered.

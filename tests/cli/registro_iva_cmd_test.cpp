@@ -137,26 +137,13 @@ class ComandoRegistroIva : public AziendaTest {
              {{"D", "0501001", "3660", "C"}, {"A", "7001001", "3000"}}, {{"A", "1401001", "022", "3000", "660"}});
   }
 
-  struct Esito {
-    int rc;
-    std::string out, err;
-  };
+  using Esito = EsitoComando;
   // vorn registro-iva with the application folder, the company, then `resto`.
   Esito Vorn(const std::vector<std::string>& resto) {
     std::vector<std::string> a = {"--cartella", app, "registro-iva"};
     for (auto& s : ArgomentiAzienda(Pg(), file, pg)) a.push_back(s);
     a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    Esito r;
-    r.rc = cli::Esegui(a, o, e);
-    std::rewind(e);
-    char buf[4096];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
-    std::fclose(e);
-    r.out = o.str();
-    return r;
+    return EseguiVorn(a);
   }
 
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }
