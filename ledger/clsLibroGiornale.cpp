@@ -16,7 +16,6 @@
 #include "frame/FileVorn.h"
 #include "frame/Formato.h"
 #include "frame/Impaginazione.h"
-#include "ledger/clsPrimaNota.h"
 
 namespace vorn {
 
@@ -190,12 +189,10 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
 
   std::unique_ptr<clsAnagraficaAzienda> pAnag;
   std::unique_ptr<clsProgAzienda> pProg;
-  std::unique_ptr<clsPrimaNota> pPn;
   std::unique_ptr<clsNumerazioneFogli> pFogli;
   clsAnagraficaAzienda* anagrafica = Usa(a.objAnagraficaAzienda, pAnag, conn);
   clsProgAzienda* progressivi = Usa(a.objProgressiviAzienda, pProg, conn);
   clsNumerazioneFogli* fogli = Usa(a.objNumerazioneFogli, pFogli, conn);
-  Usa(a.objPrimaNota, pPn, conn);
 
   Progressivi inizioAnno;
   if (!LeggiProgressivi(*progressivi, inizioAnno)) {

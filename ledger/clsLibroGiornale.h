@@ -37,7 +37,7 @@ struct ArgomentiLibroGiornale {
   IForm* formAttiva = nullptr;  // its msgbar tells the progress
   clsAnagraficaAzienda* objAnagraficaAzienda = nullptr;
   clsProgAzienda* objProgressiviAzienda = nullptr;
-  clsPrimaNota* objPrimaNota = nullptr;
+  clsPrimaNota* objPrimaNota = nullptr;  // not needed: the print marks its own rows, in its own unit
   clsNumerazioneFogli* objNumerazioneFogli = nullptr;
   std::string AzRagSoc, AzParIva;  // who prints, in the foot
   std::string nomeFile;            // the print
