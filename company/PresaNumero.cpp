@@ -105,7 +105,18 @@ void ChiaveComposta::Scrivi(Recordset& rs) const {
 }
 
 int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
-  Atomico transazione(cn);
+  // No savepoint of its own inside the caller's transaction on PostgreSQL (two more round trips
+  // for every number): a statement that fails here fails the caller's transaction, and a
+  // number refused before anything is written leaves it as it was.
+  Atomico transazione(cn, false);
+  auto successivo = [&](int64_t ultimo) {
+    try {
+      return Successivo(c, ultimo);
+    } catch (...) {
+      transazione.Conferma();
+      throw;
+    }
+  };
   Recordset rs = LeggiContatore(cn, c);
   if (rs.Eof() && cn.IsPostgres()) {
     // No row yet: whoever comes second waits here for the first to commit the row it makes,
@@ -117,7 +128,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
   if (!c.sqlMassimo.empty()) ultimo = std::max(ultimo, InteroDi(cn.Scalare(c.sqlMassimo, c.parametriMassimo)));
 
   if (rs.Eof()) {
-    int64_t nuovo = Successivo(c, ultimo);
+    int64_t nuovo = successivo(ultimo);
     try {
       Atomico inserimento(cn);
       rs.AddNew();
@@ -135,7 +146,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
     if (rs.Eof()) throw ErroreDb(3022, MsgNumeroGiaUsato(c.colonna, Valore(static_cast<long long>(nuovo))));
     ultimo = std::max(ultimo, InteroDi(rs(c.colonna).Value()));
   }
-  int64_t nuovo = Successivo(c, ultimo);
+  int64_t nuovo = successivo(ultimo);
   rs(c.colonna) = Valore(static_cast<long long>(nuovo));
   rs.Update();
   transazione.Conferma();

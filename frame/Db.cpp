@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 namespace vorn {
@@ -467,10 +468,46 @@ bool ControlloTransazione(std::string_view sql) {
 }
 }  // namespace
 
+namespace {
+// A statement that only reads: it starts with SELECT.
+bool SoloLettura(std::string_view sql) {
+  size_t i = 0;
+  while (i < sql.size() && isspace(static_cast<unsigned char>(sql[i]))) ++i;
+  auto parola = [&](const char* k) {
+    size_t n = std::char_traits<char>::length(k);
+    if (sql.size() - i < n) return false;
+    for (size_t j = 0; j < n; ++j)
+      if (toupper(static_cast<unsigned char>(sql[i + j])) != k[j]) return false;
+    return i + n == sql.size() || !isalnum(static_cast<unsigned char>(sql[i + n]));
+  };
+  return parola("SELECT");
+}
+
+}  // namespace
+
+uint64_t Connessione::ScrittureDi(std::string_view tabella) {
+  std::string k = LCase(tabella);
+  for (const auto& o : osservate_)
+    if (o.nome == k) return o.scritture;
+  osservate_.push_back({k, "[" + k + "]", "\"" + k + "\"", 0});
+  return 0;
+}
+
 void Connessione::PrimaDi(std::string_view sql) {
-  if (scrivendo_ || differiti_.empty()) return;
+  const bool osserva = !osservate_.empty() && !SoloLettura(sql);
+  const bool differiti = !scrivendo_ && !differiti_.empty();
+  if (!osserva && !differiti) return;
+  std::string minuscolo(sql);
+  for (char& ch : minuscolo)
+    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+  // A write names the table bracketed, or quoted as Identificatore gives it on PostgreSQL.
+  if (osserva)
+    for (auto& o : osservate_)
+      if (minuscolo.find(o.quadre) != std::string::npos || minuscolo.find(o.virgolette) != std::string::npos)
+        ++o.scritture;
+  if (!differiti) return;
   for (auto& [nome, d] : differiti_) {
-    if (!d->Vuoto() && d->Tocca(sql)) {
+    if (!d->Vuoto() && d->Tocca(minuscolo)) {
       ScriviDifferiti();
       return;
     }
@@ -490,6 +527,17 @@ int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) {
   PrimaDi(sql);
   Parametri n = Normalizza(p);
   return EseguiInterno(Traduci(sql), n.empty() ? p : n, false).righe;
+}
+
+void Connessione::EseguiInCoda(std::string_view sql, const Parametri& p) {
+  if (ControlloTransazione(sql))
+    throw ErroreDb(3246, "Le transazioni si aprono e si chiudono con BeginTrans, CommitTrans e RollbackTrans: " +
+                             std::string(sql.substr(0, 40)));
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  std::string testo = Traduci(sql);
+  if (livello_ > 0 && Accoda(testo, n.empty() ? p : n)) return;
+  EseguiInterno(testo, n.empty() ? p : n, false);
 }
 
 void Connessione::Scorri(std::string_view sql, const Parametri& p,
@@ -596,6 +644,7 @@ void Connessione::BeginTrans() {
     if (InTransazione()) throw ErroreDb(3246, "La connessione ha già una transazione aperta fuori da BeginTrans.");
     Controllo(TestoInizio());
     livello_ = 1;
+    ++serie_;
     compromessa_ = false;
     sporco_.assign(2, false);
     return;
@@ -623,15 +672,18 @@ void Connessione::CommitTrans() {
   if (livello_ > 1) {
     std::string sp = NomeSavepoint(livello_);
     bool fallito = InErrore();
+    std::optional<ErroreDb> causa;  // a write of the level sent only now may fail here
     if (!fallito) {
       try {
         Controllo(("RELEASE SAVEPOINT " + sp).c_str());
-      } catch (const ErroreDb&) {
+      } catch (const ErroreDb& e) {
         fallito = true;
+        causa = e;
       }
     }
     if (fallito) {
       RollbackTrans();
+      if (causa) throw *causa;
       Annullata();
     }
     for (auto& [nome, d] : differiti_) d->ChiudiLivello(true);

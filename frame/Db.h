@@ -204,8 +204,9 @@ class Differito {
   // Forgets everything: the whole transaction is rolled back.
   virtual void Scarta() = 0;
   virtual bool Vuoto() const = 0;
-  // True when the statement (as written, with bracketed names) touches what is held back.
-  virtual bool Tocca(std::string_view sql) const = 0;
+  // True when the statement touches what is held back. It comes as written (bracketed names)
+  // but in lower case (ASCII letters only), so that a table's name is found by a plain search.
+  virtual bool Tocca(std::string_view sqlMinuscolo) const = 0;
 };
 
 // A clear error for a name that cannot be pasted into a statement: empty, or with brackets,
@@ -248,6 +249,12 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   Recordset Execute(std::string_view sql, const Parametri& p = {});
   // Runs a statement that returns no rows; the result is the number of rows it touched.
   int64_t Esegui(std::string_view sql, const Parametri& p = {});
+  // A write inside a transaction whose count nobody reads (an INSERT, UPDATE or DELETE with
+  // parameters): on PostgreSQL it may wait and go to the server together with the next
+  // statement, in one round trip (before any statement, savepoint or commit of this
+  // connection). Its error, if any, is then thrown by that later statement, and the transaction
+  // can only be rolled back. Outside a transaction, and on SQLite, it runs at once.
+  void EseguiInCoda(std::string_view sql, const Parametri& p);
   // Streams the rows of a statement one by one, without holding them all: for long scans.
   // The callback gets the column list and one row; returning false stops the scan.
   void Scorri(std::string_view sql, const Parametri& p,
@@ -275,6 +282,16 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual bool InTransazione() const = 0;
   // The open levels: 0 outside a transaction, 1 in the transaction, more inside savepoints.
   int Livello() const { return livello_; }
+
+  // For reads that may be kept while the open transaction lasts (a causal's operativity, an
+  // account's existence, read again and again by a poster): the serial of the outermost
+  // transaction, 0 outside one, and how many statements of this connection have written a
+  // table so far (the table is watched from the first call on). A reader keeps what it read
+  // while both stay the same. Other sessions' commits are not seen: on SQLite none can happen
+  // while this connection holds the write transaction; on PostgreSQL the kept rows are those
+  // of the moment they were first read, as in a snapshot.
+  uint64_t SerieTransazione() const { return livello_ > 0 ? serie_ : 0; }
+  uint64_t ScrittureDi(std::string_view tabella);
 
   // Deferred work registered under `nome` (made by `crea` the first time).
   Differito& Differimento(const std::string& nome, const std::function<std::unique_ptr<Differito>()>& crea);
@@ -314,6 +331,8 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual void ScorriInterno(const std::string& sql, const Parametri& p,
                              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
   virtual std::vector<std::string> LeggiChiave(const std::string& tabella) = 0;
+  // Takes a write to send later (EseguiInCoda); false: run it now.
+  virtual bool Accoda(const std::string& /*sql*/, const Parametri& /*p*/) { return false; }
   virtual std::string ColonnaRid() const = 0;  // "rowid" or "ctid"
   // Transaction statements of the engine, run outside the checks of Esegui.
   virtual void Controllo(const char* sql) = 0;
@@ -331,6 +350,13 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   void PrimaDi(std::string_view sql);
   void ChiudiTutto();
   std::map<std::string, std::vector<std::string>> chiavi_;
+  // Watched tables, in lower case, and the writes that named them.
+  struct Osservata {
+    std::string nome, quadre, virgolette;
+    uint64_t scritture = 0;
+  };
+  std::vector<Osservata> osservate_;
+  uint64_t serie_ = 0;
   bool compromessa_ = false;
   int livello_ = 0;
   bool lettura_ = false;

@@ -118,10 +118,19 @@ class ConnessionePostgres final : public Connessione {
     if (c_) PQfinish(c_);
     c_ = nullptr;
     preparate_.clear();
+    coda_.clear();
   }
 
   void Controllo(const char* sql) override {
     Assicura();
+    // A rollback drops the writes waiting to be sent: they were all made inside what it undoes
+    // (a savepoint is opened only once the queue has been sent).
+    if (std::strncmp(sql, "ROLLBACK", 8) == 0) coda_.clear();
+    if (!coda_.empty()) {
+      Esito e;
+      Invia(sql, {}, false, e);
+      return;
+    }
     Risultato r(PQexec(c_, sql));
     Verifica(r.r);
   }
@@ -158,6 +167,7 @@ class ConnessionePostgres final : public Connessione {
   void ScorriInterno(const std::string& sql, const Parametri& p,
                      const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
     Assicura();
+    Svuota();
     std::string cursore = "vorn_cursore_" + std::to_string(++contatore_);
     {
       std::string s = "DECLARE " + cursore + " NO SCROLL CURSOR WITH HOLD FOR " + sql;
@@ -206,9 +216,21 @@ class ConnessionePostgres final : public Connessione {
     return out;
   }
 
+  bool Accoda(const std::string& sql, const Parametri& p) override {
+    if (!c_ || p.empty() || !DaPreparare(sql) || !InTransazione()) return false;
+    coda_.push_back({sql, p});
+    if (coda_.size() >= kMassimoCoda) Svuota();
+    return true;
+  }
+
   Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) override {
     Assicura();
     Esito e;
+    if (!coda_.empty()) {
+      // The writes waiting go first, in the same round trip.
+      Invia(sql, p, righe, e);
+      return e;
+    }
     if (p.empty() && !DaPreparare(sql)) {
       // The extended protocol runs exactly one statement.
       Risultato r(PQexecParams(c_, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0));
@@ -290,6 +312,87 @@ class ConnessionePostgres final : public Connessione {
     if (!c_) throw ErroreDb(3709, "La connessione non è aperta.");
   }
 
+  // Writes whose answer nobody reads, waiting to be sent with the next statement.
+  struct InCoda {
+    std::string sql;
+    Parametri p;
+  };
+  static constexpr size_t kMassimoCoda = 200;
+
+  // Sends what waits, if anything, on its own.
+  void Svuota() {
+    if (coda_.empty()) return;
+    Esito e;
+    Invia({}, {}, false, e);
+  }
+
+  // The writes waiting, then `sql` (none when empty; a statement without parameters that need
+  // not be prepared, such as COMMIT or SAVEPOINT, goes unnamed), sent in one pipeline: one
+  // round trip. The answer of `sql` goes into `e`. The first error met is thrown once every
+  // answer has been read (the server skips what follows it, and the transaction is failed).
+  void Invia(const std::string& sql, const Parametri& p, bool righe, Esito& e) {
+    std::vector<InCoda> coda = std::move(coda_);
+    coda_.clear();
+    if (!sql.empty()) coda.push_back({sql, p});
+    // Prepared before the pipeline starts; a cache cleared meanwhile prepares them all again.
+    std::vector<Testi> testi;
+    std::vector<std::string> nomi;
+    for (;;) {
+      testi.clear();
+      nomi.clear();
+      const unsigned svuotamenti = svuotamenti_;
+      for (const auto& q : coda) {
+        testi.emplace_back(q.p);
+        bool semplice = q.p.empty() && !DaPreparare(q.sql);
+        nomi.push_back(semplice ? std::string() : Preparata(q.sql, testi.back()));
+      }
+      if (svuotamenti == svuotamenti_) break;
+    }
+    if (PQenterPipelineMode(c_) != 1) ErroreConnessione();
+    bool inviato = true;
+    for (size_t i = 0; i < coda.size() && inviato; ++i) {
+      if (nomi[i].empty())
+        inviato = PQsendQueryParams(c_, coda[i].sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0) == 1;
+      else
+        inviato = PQsendQueryPrepared(c_, nomi[i].c_str(), testi[i].n(), testi[i].valori(), nullptr, nullptr, 0) == 1;
+    }
+    if (!inviato || PQpipelineSync(c_) != 1) {
+      std::string m = PQerrorMessage(c_);
+      PQexitPipelineMode(c_);
+      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+    }
+    PGresult* errore = nullptr;
+    bool ultimoLetto = sql.empty();
+    for (size_t i = 0; i < coda.size(); ++i) {
+      PGresult* r = PQgetResult(c_);
+      if (!r) ErroreConnessione();
+      auto st = PQresultStatus(r);
+      if (st == PGRES_FATAL_ERROR && !errore) {
+        errore = r;
+      } else {
+        if (i + 1 == coda.size() && !sql.empty() && st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) {
+          Raccogli(r, e, righe);
+          ultimoLetto = true;
+        }
+        PQclear(r);
+      }
+      // Each statement's answers end with a null.
+      while (PGresult* fine = PQgetResult(c_)) PQclear(fine);
+    }
+    // The synchronisation point.
+    for (PGresult* r; (r = PQgetResult(c_)) != nullptr;) {
+      bool sync = PQresultStatus(r) == PGRES_PIPELINE_SYNC;
+      PQclear(r);
+      if (sync) break;
+    }
+    PQexitPipelineMode(c_);
+    if (errore) {
+      Risultato r(errore);
+      Verifica(r.r);
+    }
+    if (!ultimoLetto) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+  }
+
   static bool DaPreparare(const std::string& sql) {
     size_t i = 0;
     while (i < sql.size() && isspace(static_cast<unsigned char>(sql[i]))) ++i;
@@ -305,6 +408,7 @@ class ConnessionePostgres final : public Connessione {
     if (preparate_.size() >= 256) {
       Risultato d(PQexec(c_, "DEALLOCATE ALL"));
       preparate_.clear();
+      ++svuotamenti_;
     }
     std::string nome = "vs" + std::to_string(++contatore_);
     Risultato r(PQprepare(c_, nome.c_str(), sql.c_str(), t.n(), t.tipi()));
@@ -377,6 +481,8 @@ class ConnessionePostgres final : public Connessione {
   PGconn* c_;
   std::unordered_map<std::string, std::string> preparate_;
   unsigned contatore_ = 0;
+  unsigned svuotamenti_ = 0;  // times the prepared statements were all dropped
+  std::vector<InCoda> coda_;
 };
 
 void AvvisoSilenzioso(void*, const PGresult*) {}

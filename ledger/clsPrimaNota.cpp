@@ -126,6 +126,13 @@ const std::string& SqlInserisciRiga() {
   return s;
 }
 
+// The same INSERT that adds nothing when a row has the key already (no conflict target: the
+// caller makes sure the table's key is the journal's four columns).
+const std::string& SqlInserisciRigaSeNuova() {
+  static const std::string s = SqlInserisciRiga() + " ON CONFLICT DO NOTHING";
+  return s;
+}
+
 const std::string& SqlAggiornaRigaSet() {
   static const std::string s = [] {
     std::string set;
@@ -338,18 +345,62 @@ bool clsPrimaNota::GetParametriCausaleMovimentazione(const Valore& codiceCausale
   return true;
 }
 
+bool clsPrimaNota::LettureValide() {
+  uint64_t serie = LettureDiCorsa ? 1 : cn->SerieTransazione();
+  if (serie == 0) {
+    letture_.operativita.clear();
+    letture_.sottoconti.clear();
+    letture_.serie = 0;
+    return false;
+  }
+  uint64_t causali = cn->ScrittureDi("Causali Contabili"), piano = cn->ScrittureDi("Piano Dei Conti");
+  if (letture_.cn != cn.get() || letture_.serie != serie || letture_.causali != causali || letture_.piano != piano) {
+    letture_.operativita.clear();
+    letture_.sottoconti.clear();
+    letture_.cn = cn.get();
+    letture_.serie = serie;
+    letture_.causali = causali;
+    letture_.piano = piano;
+  }
+  return true;
+}
+
+bool clsPrimaNota::RegistrazioneNuova(const std::string& numero) {
+  uint64_t serie = cn->SerieTransazione();
+  if (serie == 0 || numero.empty()) return false;
+  uint64_t scritture = cn->ScrittureDi("Prima Nota");
+  if (letture_.serieNuove != serie || letture_.primaNota != scritture || letture_.cn != cn.get()) {
+    letture_.registrazioniNuove.clear();
+    letture_.chiaviScritte.clear();
+    letture_.serieNuove = serie;
+    letture_.primaNota = scritture;
+  }
+  if (letture_.registrazioniNuove.count(numero)) return true;
+  if (!cn->Scalare("SELECT 1 FROM [Prima Nota] WHERE [NumeroRegistrazione] = ? LIMIT 1", {Valore(numero)}).IsNull())
+    return false;
+  letture_.registrazioniNuove.insert(numero);
+  return true;
+}
+
 std::optional<std::string> clsPrimaNota::OperativitaCausale(const std::string& codice) {
   if (causaliComplete_) {
     auto it = causali_.find(codice);
     if (it != causali_.end()) return it->second;
     return std::nullopt;
   }
+  bool tieni = LettureValide();
+  if (tieni) {
+    auto it = letture_.operativita.find(codice);
+    if (it != letture_.operativita.end()) return it->second;
+  }
   std::string w;
   Parametri p;
   FiltroTesto(w, p, "[CodiceCausale]", Valore(codice));
   Recordset rs = cn->Execute("SELECT [OperativitaContabile] FROM [Causali Contabili] WHERE " + w + " LIMIT 1", p);
-  if (rs.Eof()) return std::nullopt;
-  return Leggi(rs, "OperativitaContabile", "0").Testo();
+  std::optional<std::string> op;
+  if (!rs.Eof()) op = Leggi(rs, "OperativitaContabile", "0").Testo();
+  if (tieni) letture_.operativita.emplace(codice, op);
+  return op;
 }
 
 bool clsPrimaNota::ExistSottoconto(const Valore& CodiceGruppo, const Valore& CodiceConto,
@@ -374,7 +425,13 @@ bool clsPrimaNota::EsisteSottocontoCache(const std::string& g, const std::string
     // An empty part also matches a row whose part is missing: read into the set as ''.
     return sottoconti_.count(ChiaveConto(g, c, s)) > 0;
   }
-  return ExistSottoconto(Valore(g), Valore(c), Valore(s));
+  if (!LettureValide()) return ExistSottoconto(Valore(g), Valore(c), Valore(s));
+  std::string k = ChiaveConto(g, c, s);
+  auto it = letture_.sottoconti.find(k);
+  if (it != letture_.sottoconti.end()) return it->second;
+  bool esiste = ExistSottoconto(Valore(g), Valore(c), Valore(s));
+  letture_.sottoconti.emplace(std::move(k), esiste);
+  return esiste;
 }
 
 // ---------------------------------------------------------------- balance movement
@@ -439,7 +496,7 @@ void ScriviSaldoSottoconto(Connessione& cn, ChiaviUpsert& k, const std::string& 
   Parametri p{Valore(g), Valore(c), Valore(s), Valore(v[0]), Valore(v[1]), Valore(v[2])};
   if (!g.empty() && !c.empty() && !s.empty() && ChiaveUpsert(cn, k, kSaldiConti.tabella, kSaldiConti.chiave)) {
     AggiungiDelta(p, v, mask);
-    cn.Esegui(q.upsert[mask], p);
+    cn.EseguiInCoda(q.upsert[mask], p);
     return;
   }
   // A code with empty parts: the row may hold '' or Null there.
@@ -468,7 +525,7 @@ void ScriviSaldoCliFor(Connessione& cn, ChiaviUpsert& k, char tipo, const std::s
   Parametri p{Valore(codice), Valore(codice), Valore(v[0]), Valore(v[1]), Valore(v[2])};
   if (!codice.empty() && ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
     AggiungiDelta(p, v, mask);
-    cn.Esegui(q.upsert[mask], p);
+    cn.EseguiInCoda(q.upsert[mask], p);
     return;
   }
   std::string w;
@@ -491,13 +548,6 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
     if (chiave.tipo == 'S') ScriviSaldoSottoconto(cn, k, chiave.a, chiave.b, chiave.c, d);
     else ScriviSaldoCliFor(cn, k, chiave.tipo, chiave.a, d);
   }
-}
-
-bool ContieneNoCase(std::string_view testo, std::string_view cerca) {
-  auto it = std::search(testo.begin(), testo.end(), cerca.begin(), cerca.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-  });
-  return it != testo.end();
 }
 
 // The balance movement of a transaction, held back level by level until its commit.
@@ -527,8 +577,11 @@ class SaldiInSospeso final : public Differito {
     return true;
   }
   bool Tocca(std::string_view sql) const override {
-    return ContieneNoCase(sql, kSaldiConti.tabella) || ContieneNoCase(sql, kSaldiClienti.tabella) ||
-           ContieneNoCase(sql, kSaldiFornitori.tabella);
+    static const std::string nomi[3] = {LCase(kSaldiConti.tabella), LCase(kSaldiClienti.tabella),
+                                        LCase(kSaldiFornitori.tabella)};
+    for (const auto& n : nomi)
+      if (sql.find(n) != std::string_view::npos) return true;
+    return false;
   }
 
  private:
@@ -601,28 +654,39 @@ bool clsPrimaNota::MovimentaSaldiContabili(const Valore& codiceCausale, const Va
                                            const Valore& DareAvere, const Valore& ImportoMovimento,
                                            const Valore& /*Cambio*/, const Valore& /*DataCompetenza*/) {
   AssicuraConnessione();
+  MovimentoPrimaNota m;
+  m.CodiceCausale = codiceCausale;
+  m.ContoPrimaNota = ContoPrimaNota;
+  m.IndClienteFornitore = IndClienteFornitore;
+  m.CodClienteFornitore = CodClienteFornitore;
+  m.DareAvere = DareAvere;
+  m.ImportoMovimento = ImportoMovimento;
   std::string conto = T(ContoPrimaNota);
-  Importo importo = NullToZeroCy(ImportoMovimento);
-  if (conto.empty() || importo.Zero()) return true;
+  if (conto.empty() || NullToZeroCy(ImportoMovimento).Zero()) return true;
+  MovimentaRiga(m, OperativitaCausale(T(codiceCausale)));
+  return true;
+}
+
+void clsPrimaNota::MovimentaRiga(const MovimentoPrimaNota& m, const std::optional<std::string>& operativita) {
+  std::string conto = T(m.ContoPrimaNota);
+  Importo importo = NullToZeroCy(m.ImportoMovimento);
+  if (conto.empty() || importo.Zero()) return;
   // The amount is in the company's currency already: neither the rate nor the competence date
   // takes part in the arithmetic.
-  std::string causale = T(codiceCausale);
-  std::string operativita;
-  if (auto op = OperativitaCausale(causale)) {
-    operativita = *op;
-  } else {
-    Avvisa("Causale contabile '" + causale + "' inesistente. Possibile disallinamento dei saldi contabili.",
+  if (!operativita)
+    Avvisa("Causale contabile '" + T(m.CodiceCausale) + "' inesistente. Possibile disallinamento dei saldi contabili.",
            "Movimenta Saldi Contabili", true);
-  }
   std::string g = MedioTesto(conto, 1, 2), c = MedioTesto(conto, 3, 2), s = MedioTesto(conto, 5, 3);
   if (!EsisteSottocontoCache(g, c, s))
     Avvisa("Sottoconto " + conto + " inesistente.", "Funzione MovimentaSaldiContabili", false);
-  Valore op(operativita);
-  MovimentaSaldiSottoconti(Valore(g), Valore(c), Valore(s), DareAvere, Valore(importo), op);
-  if (CodiceNumericoNonNullo(T(CodClienteFornitore)))
-    MovimentaSaldiClientiFornitori(ContoPrimaNota, IndClienteFornitore, CodClienteFornitore, DareAvere,
-                                   Valore(importo), op);
-  return true;
+  const std::string op = operativita.value_or("");
+  const std::string lato = T(m.DareAvere);
+  Movimenta(ChiaveSaldo{'S', g, c, s}, CalcolaDelta(op, lato, importo));
+  if (CodiceNumericoNonNullo(T(m.CodClienteFornitore))) {
+    std::string ind = T(m.IndClienteFornitore);
+    if (ind == "C" || ind == "F")
+      Movimenta(ChiaveSaldo{ind[0], T(m.CodClienteFornitore), {}, {}}, CalcolaDelta(op, lato, importo));
+  }
 }
 
 void clsPrimaNota::MovimentaRecordContabile(const MovimentoPrimaNota& m, bool Storno) {
@@ -788,6 +852,60 @@ void clsPrimaNota::SalvaUnita(Parametri& valori, const Valore& indicatori) {
                               IndicePN("DareAvere"),        IndicePN("ImportoMovimento"),
                               IndicePN("Cambio"),           IndicePN("DataCompetenza")};
   Atomico unita(*cn, UnitaRecuperabili);
+  const std::optional<std::string> operativita = OperativitaCausale(T(valori[iCausale]));
+  auto movimento = [&] {
+    MovimentoPrimaNota m;
+    Valore* campi[8] = {&m.CodiceCausale, &m.ContoPrimaNota, &m.IndClienteFornitore, &m.CodClienteFornitore,
+                        &m.DareAvere, &m.ImportoMovimento, &m.Cambio, &m.DataCompetenza};
+    for (int i = 0; i < 8; ++i) *campi[i] = valori[iMov[i]];
+    return m;
+  };
+
+  // A row is added without looking for it first when that is safe:
+  // - a row of an entry that had no row when this transaction first saved one of it, and whose
+  //   key this object has not written yet, is new: its INSERT may wait to be sent with the next
+  //   statement (a key taken meanwhile by another session then fails the transaction);
+  // - a row whose whole key is given is inserted unless the key is taken, the table's own key
+  //   deciding in the same statement;
+  // otherwise it is looked up first, a blank key part finding both '' and Null. A blank part
+  // qualifies as empty text only (a Null is distinct from every other in an SQLite key).
+  bool chiavePiena = true, chiaveScrivibile = true;
+  std::string chiaveTesto;
+  for (int k = 0; k < 4; ++k) {
+    const Valore& v = valori[iChiave[k]];
+    chiavePiena = chiavePiena && !Vuoto(v);
+    chiaveScrivibile = chiaveScrivibile && (!Vuoto(v) || (v.IsText() && v.Str().empty()));
+    if (chiaveScrivibile) chiaveTesto += v.Testo() + '\x1f';
+  }
+  if (chiaveScrivibile && ChiaveUnicaPN() && !Vuoto(valori[iChiave[0]])) {
+    Valore daScrivere = valori[iIndicatori];
+    valori[iIndicatori] = Valore(ComponiIndicatori(indicatori, operativita.value_or(""), nullptr));
+    // This object's own writes keep what it knows of its new entries.
+    auto propria = [&](uint64_t prima) {
+      if (letture_.serieNuove == cn->SerieTransazione() && letture_.primaNota == prima)
+        letture_.primaNota = cn->ScrittureDi("Prima Nota");
+    };
+    if (RegistrazioneNuova(valori[iChiave[0]].Testo()) && !letture_.chiaviScritte.count(chiaveTesto)) {
+      const uint64_t prima = cn->ScrittureDi("Prima Nota");
+      cn->EseguiInCoda(SqlInserisciRiga(), valori);
+      propria(prima);
+      letture_.chiaviScritte.insert(chiaveTesto);
+      MovimentaRiga(movimento(), operativita);
+      unita.Conferma();
+      return;
+    }
+    if (chiavePiena) {
+      const uint64_t prima = cn->ScrittureDi("Prima Nota");
+      if (cn->Esegui(SqlInserisciRigaSeNuova(), valori) == 1) {
+        propria(prima);
+        MovimentaRiga(movimento(), operativita);
+        unita.Conferma();
+        return;
+      }
+    }
+    valori[iIndicatori] = daScrivere;
+  }
+
   std::string w;
   Parametri pw;
   for (int k = 0; k < 4; ++k) FiltroTesto(w, pw, std::string("[") + kChiavePN[k] + "]", valori[iChiave[k]]);
@@ -807,16 +925,9 @@ void clsPrimaNota::SalvaUnita(Parametri& valori, const Valore& indicatori) {
     indicatoriMemorizzati = r[12];
   }
 
-  std::string operativita;
-  if (auto op = OperativitaCausale(T(valori[iCausale]))) operativita = *op;
-  valori[iIndicatori] = Valore(ComponiIndicatori(indicatori, operativita, nuovo ? nullptr : &indicatoriMemorizzati));
-
-  MovimentoPrimaNota m;
-  Valore* campi[8] = {&m.CodiceCausale, &m.ContoPrimaNota, &m.IndClienteFornitore, &m.CodClienteFornitore,
-                      &m.DareAvere, &m.ImportoMovimento, &m.Cambio, &m.DataCompetenza};
-  for (int i = 0; i < 8; ++i) *campi[i] = valori[iMov[i]];
-  MovimentaSaldiContabili(m.CodiceCausale, m.ContoPrimaNota, m.IndClienteFornitore, m.CodClienteFornitore, m.DareAvere,
-                          m.ImportoMovimento, m.Cambio, m.DataCompetenza);
+  valori[iIndicatori] =
+      Valore(ComponiIndicatori(indicatori, operativita.value_or(""), nuovo ? nullptr : &indicatoriMemorizzati));
+  MovimentaRiga(movimento(), operativita);
 
   if (nuovo) {
     cn->Esegui(SqlInserisciRiga(), valori);
@@ -837,6 +948,14 @@ void clsPrimaNota::SalvaUnita(Parametri& valori, const Valore& indicatori) {
                            "modificati dall'ultima lettura.");
   }
   unita.Conferma();
+}
+
+bool clsPrimaNota::ChiaveUnicaPN() {
+  const auto& k = cn->ChiaveTabella("Prima Nota");
+  if (k.size() != 4) return false;
+  for (int i = 0; i < 4; ++i)
+    if (!UgualeNoCase(k[static_cast<size_t>(i)], kChiavePN[i])) return false;
+  return true;
 }
 
 int64_t clsPrimaNota::StornaECancella(const std::string& where, const Parametri& p) {

@@ -72,6 +72,11 @@ class clsPrimaNota {
   // in one transaction slow every statement, and without them a failed row undoes the
   // caller's whole transaction instead (its commit rolls back and throws).
   bool UnitaRecuperabili = true;
+  // A causal's operativity and whether an account is in the chart are read once per
+  // transaction. A run that reads its master data once (the invoice posting) may keep them from
+  // one transaction to the next while it is set; a write of this connection to the causals or
+  // the chart drops them either way.
+  bool LettureDiCorsa = false;
 
   // ---------------------------------------------------------------- rows
 
@@ -235,6 +240,9 @@ class clsPrimaNota {
   // messages shown after it.
   void UnitaConAvvisi(const std::function<void()>& unita);
   void SalvaUnita(Parametri& valori, const Valore& indicatori);
+  // True when the journal's key is its four key columns (a row may then be inserted with
+  // ON CONFLICT DO NOTHING and found to be there when nothing was added).
+  bool ChiaveUnicaPN();
   int64_t StornaECancellaUnita(const std::string& where, const Parametri& p);
   // Rows selected by `where`: their effect off the balances, then one DELETE. The count.
   int64_t StornaECancella(const std::string& where, const Parametri& p);
@@ -244,6 +252,27 @@ class clsPrimaNota {
   std::unordered_map<std::string, std::string> causali_;
   std::unordered_set<std::string> sottoconti_;
   bool causaliComplete_ = false, pianoCompleto_ = false;  // everything read (replay)
+  // What was read inside the open transaction (causal -> operativity, or none for a causal
+  // that is not there; account -> exists), kept while the transaction lasts and nobody on this
+  // connection writes the causals or the chart (Connessione::SerieTransazione, ScrittureDi).
+  struct LettureTransazione {
+    const Connessione* cn = nullptr;
+    uint64_t serie = 0, causali = 0, piano = 0;
+    std::unordered_map<std::string, std::optional<std::string>> operativita;
+    std::unordered_map<std::string, bool> sottoconti;
+    // Entry numbers that had no row when this transaction first saved one of them, and the
+    // writes to the journal on this connection that were all this object's own since.
+    uint64_t serieNuove = 0, primaNota = 0;
+    std::unordered_set<std::string> registrazioniNuove;
+    std::unordered_set<std::string> chiaviScritte;  // keys of the rows this object added to them
+  } letture_;
+  // True when the reads kept may be used (cleared first when they are stale).
+  bool LettureValide();
+  // True when every row of the entry saved in this transaction was added by this object, and it
+  // had none before: a row of it is then found by its exact key.
+  bool RegistrazioneNuova(const std::string& numero);
+  // Movement of one row with its causal's operativity already read (none: not there).
+  void MovimentaRiga(const MovimentoPrimaNota& m, const std::optional<std::string>& operativita);
   std::optional<MovimentiSaldi> raccolta_;
   std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
   struct Avviso {

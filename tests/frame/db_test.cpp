@@ -256,4 +256,54 @@ TEST_P(DataLayerUnits, AnUnrecoverableUnitThatFailsUndoesTheCallersTransaction) 
   }
   EXPECT_EQ(Righe(), Pg() ? 3 : 4);
 }
+
+TEST_P(DataLayerUnits, QueuedWritesKeepTheirOrderAndTheirErrors) {
+  // Seen by the next read, in the order written, on both engines.
+  cn->BeginTrans();
+  for (const char* c : {"A", "B", "C"}) cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore(c)});
+  cn->EseguiInCoda("DELETE FROM [T] WHERE [Codice] = ?", {Valore("B")});
+  EXPECT_EQ(Righe(), 2);
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("D")});
+  cn->CommitTrans();
+  EXPECT_EQ(Righe(), 3);
+
+  // A rollback takes what still waits with it.
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("E")});
+  cn->RollbackTrans();
+  EXPECT_EQ(Righe(), 3);
+
+  // A write that fails fails its transaction, at the latest at the commit, with its own error,
+  // and nothing of the transaction stays.
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("F")});
+  std::string errore;
+  try {
+    cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("A")});
+    cn->CommitTrans();
+  } catch (const ErroreDb& e) {
+    errore = e.Descrizione();
+    if (cn->Livello() > 0) cn->RollbackTrans();
+  }
+  EXPECT_FALSE(errore.empty());
+  EXPECT_EQ(errore.find("annullat"), std::string::npos) << errore;  // the engine's own words
+  EXPECT_FALSE(cn->InTransazione());
+  EXPECT_EQ(Righe(), 3);
+
+  // Inside a savepoint level the failure undoes that level alone, and the caller goes on.
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("G")});
+  cn->BeginTrans();
+  bool fallita = false;
+  try {
+    cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("A")});
+    cn->CommitTrans();
+  } catch (const ErroreDb&) {
+    fallita = true;
+    if (cn->Livello() > 1) cn->RollbackTrans();
+  }
+  EXPECT_TRUE(fallita);
+  cn->CommitTrans();
+  EXPECT_EQ(Righe(), 4);
+}
 VORN_SU_DUE_MOTORI(DataLayerUnits);
