@@ -20,7 +20,6 @@
 #include "ledger/clsPrimaNota.h"
 #include "receivables/FattureEsempio.h"
 #include "receivables/clsElaboraFatture.h"
-#include "receivables/clsScadenze.h"
 
 namespace vorn::cli {
 
@@ -365,7 +364,6 @@ class Generatore {
       contab_.bool_ContabilizzaDataFattura = true;
       contab_.clientID = Valore("demo");
       elabora_.cn = cn_.shared_from_this();
-      scadenze_.cn = cn_.shared_from_this();
     }
     {
       Atomico tx(cn_);
@@ -638,7 +636,6 @@ class Generatore {
     registrazioniFatture_ += e.Registrazioni;
 
     std::map<long, int64_t> dovuto;  // by document: the client's rows, debit positive
-    std::vector<Valore> pagate;      // the settled instalments the posting paid
     std::vector<Valore> numeri;
     for (long n = primo; n <= reg_.Numero(); ++n) numeri.push_back(Valore(Format(Valore(n), "00000")));
     constexpr size_t kBlocco = 200;
@@ -657,19 +654,6 @@ class Generatore {
                    ++righeFatture_;
                    return true;
                  });
-      cn_.Scorri("SELECT DISTINCT [Numero Progressivo] FROM [Scadenziario Pagamenti] WHERE [numeroRegistrazione] IN (" +
-                     in + ")",
-                 p, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
-                   pagate.push_back(v[0]);
-                   return true;
-                 });
-    }
-    // The posting records the payment of a settled instalment as a row of its payments; the
-    // instalment's paid amount follows its rows, so that the book shows it closed.
-    if (!pagate.empty()) {
-      Atomico tx(cn_);
-      for (const auto& n : pagate) scadenze_.RiallineaImportoPagatoScadenza(n);
-      tx.Conferma();
     }
     for (const auto& [numero, attesa] : inAttesa_) {
       Soggetto& c = *attesa.cliente;
@@ -864,7 +848,6 @@ class Generatore {
   Registratore reg_;
   ScrittoreFattureEsempio scrittore_;
   clsElaboraFatture elabora_;
-  clsScadenze scadenze_;
   ArgomentiElaboraFatture contab_;
   // The sales documents written and not yet posted, by number, and their dates.
   struct Attesa {

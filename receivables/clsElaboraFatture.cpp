@@ -391,11 +391,13 @@ bool clsElaboraFatture::UpdateDatiRegistrazioneInScadenza(const Valore& tipo, co
   std::string w;
   Parametri p;
   FiltroDocumento(w, p, tipo, Codice_Cliente, DataDocumento, Serie, NumeroDocumento);
-  Valore primo = cn->Scalare("SELECT MIN([Numero Progressivo]) FROM [Scadenziario] WHERE " + w, p);
-  if (primo.IsNull()) return false;
+  // The document's first instalment, found and written in one statement.
+  Parametri pu{Valore(Format(Valore(numeroRegistrazione), "00000")), DataInTesto(DataRegistrazione)};
+  pu.insert(pu.end(), p.begin(), p.end());
   return cn->Esegui("UPDATE [Scadenziario] SET [numeroRegistrazione] = ?, [DataRegistrazione] = ? "
-                    "WHERE [Numero Progressivo] = ?",
-                    {Valore(Format(Valore(numeroRegistrazione), "00000")), DataInTesto(DataRegistrazione), primo}) > 0;
+                    "WHERE [Numero Progressivo] = (SELECT MIN([Numero Progressivo]) FROM [Scadenziario] WHERE " +
+                        w + ")",
+                    pu) > 0;
 }
 
 int32_t clsElaboraFatture::GetNumeroScadenzaAcconto(const Valore& tipo, const Valore& Codice_Cliente,
@@ -497,16 +499,26 @@ struct Messaggio {
 
 }  // namespace
 
+bool clsElaboraFatture::EsisteContoCorsa(clsPrimaNota& pn, const std::string& conto) {
+  auto it = cache_->conti.find(conto);
+  if (it != cache_->conti.end()) return it->second;
+  bool esiste = pn.ExistSottoconto(Valore(conto.substr(0, std::min<size_t>(2, conto.size()))),
+                                   Valore(MedioTesto(conto, 3, 2)), Valore(MedioTesto(conto, 5, 3)));
+  cache_->conti.emplace(conto, esiste);
+  return esiste;
+}
+
 EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a) {
   EsitoElaboraFatture esito;
   Connessione& c = *cn;
   const std::shared_ptr<Connessione>& conn = cn;
   Collaboratori propri;
   propri.pn.cn = conn;
-  // Each document commits or rolls back whole: its rows need no savepoint of their own. Inside
-  // the caller's transaction a document is a savepoint level, and its rows keep theirs, so that
-  // a failed document does not spoil the caller's work.
-  propri.pn.UnitaRecuperabili = !c.InTransazione();
+  // Each document commits or rolls back whole: its rows need no savepoint of their own (a
+  // failed row fails the document's transaction). Inside the caller's transaction a document
+  // is a savepoint level, and its rows keep theirs, so that a failed document does not spoil
+  // the caller's work.
+  propri.pn.UnitaRecuperabili = c.InTransazione();
   propri.cau.cn = conn;
   propri.cli.cn = conn;
   propri.sal.cn = conn;
@@ -538,12 +550,19 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     return esito;
   }
 
-  // The run's cache, dropped however the run ends.
+  // The run's cache, dropped however the run ends; the journal keeps what it reads of causals
+  // and accounts for the run as well.
   cache_.emplace();
   struct FineCorsa {
     std::optional<Cache>& c;
-    ~FineCorsa() { c.reset(); }
-  } fineCorsa{cache_};
+    clsPrimaNota& pn;
+    bool letture;
+    ~FineCorsa() {
+      c.reset();
+      pn.LettureDiCorsa = letture;
+    }
+  } fineCorsa{cache_, pn, pn.LettureDiCorsa};
+  pn.LettureDiCorsa = true;
   const std::string tipoContabRicAcc = T(a.avar_TipoContabRicAcc);
   for (; !docs.Eof(); docs.MoveNext()) {
     auto campo = [&](const char* n) -> Valore { return docs(n).Value(); };
@@ -599,8 +618,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         std::string contoCliente = trovato->second;
         if (contoCliente.empty()) {
           contoCliente = T(a.avar_ClientiStandard);
-        } else if (!pn.ExistSottoconto(Valore(contoCliente.substr(0, 2)), Valore(MedioTesto(contoCliente, 3, 2)),
-                                       Valore(MedioTesto(contoCliente, 5, 3)))) {
+        } else if (!EsisteContoCorsa(pn, contoCliente)) {
           avvisa("Attenzione per il cliente con codice " + codiceCliente + " (utilizzato nella fattura numero " +
                      numSerie + ") è stato impostato il sottoconto " + contoCliente +
                      " non esistente nel piano dei conti.",
@@ -616,10 +634,24 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         const std::string causaleDoc = T(campo("Causale Contabile"));
         if (!causaleDoc.empty()) {
           const std::string testa = "Impossibile elaborare la fattura/nota credito n. " + numSerie;
-          if (!cau.ExistCausaleContabile(Valore(causaleDoc)))
+          auto letta = cache_->causali.find(causaleDoc);
+          if (letta == cache_->causali.end()) {
+            Cache::Causale k;
+            k.esiste = cau.ExistCausaleContabile(Valore(causaleDoc));
+            if (k.esiste) {
+              k.registro = cau.GetTipoRegistroIvaCausaleContabile(Valore(causaleDoc));
+              k.tipo = cau.GetTipoCausale(Valore(causaleDoc));
+              Valore proposto;
+              cau.GetRegistroIVAProposto(Valore(causaleDoc), proposto);
+              k.proposto = T(proposto);
+            }
+            letta = cache_->causali.emplace(causaleDoc, std::move(k)).first;
+          }
+          const Cache::Causale& letti = letta->second;
+          if (!letti.esiste)
             throw Rifiuto{testa + " la causale contabile indicata non è codificata su VornXP."};
-          const std::string reg = cau.GetTipoRegistroIvaCausaleContabile(Valore(causaleDoc));
-          const std::string tipoCau = cau.GetTipoCausale(Valore(causaleDoc));
+          const std::string& reg = letti.registro;
+          const std::string& tipoCau = letti.tipo;
           if (reg == "1")
             contoIva = (tipoCau == "7" || tipoCau == "8") ? a.avar_IvaEsigDiff : a.avar_IvaVendite;
           else if (reg == "3")
@@ -638,9 +670,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                           " la causale contabile indicata non è allineata al tipo di documento."};
           causale = causaleDoc;
           tipoRegistro = reg;
-          Valore proposto;
-          cau.GetRegistroIVAProposto(Valore(causaleDoc), proposto);
-          numRegistro = T(proposto);
+          numRegistro = letti.proposto;
           if (numRegistro.empty() || numRegistro == "0" || numRegistro == "00") numRegistro = "01";
         }
         // Progress and the dates.
@@ -673,10 +703,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                                 importo, imponibile, codiceIva, indIva, codIva, tipoReg, numReg, dataDoc, serie, numDoc,
                                 totaleDoc, valuta, cambio, key, protocollo, Valore(""), dataIva, a.clientID, a.hWnd);
         };
-        auto esisteConto = [&](const std::string& conto) {
-          return pn.ExistSottoconto(Valore(conto.substr(0, std::min<size_t>(2, conto.size()))),
-                                    Valore(MedioTesto(conto, 3, 2)), Valore(MedioTesto(conto, 5, 3)));
-        };
+        auto esisteConto = [&](const std::string& conto) { return EsisteContoCorsa(pn, conto); };
 
         // The main registration.
         const int32_t nReg = pn.GetNumeroNuovaRegistrazionePrimaNota();
@@ -817,6 +844,9 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
             p["Importo Documento"] = Valore(totale);
             bool annulla = false;
             pagato = sca.SalvaRecordPagamento(p, a.clientID, a.hWnd, annulla) && !annulla;
+            // The instalment's paid amount follows its payment rows, in the same transaction,
+            // so that the book shows it settled.
+            if (pagato) sca.RiallineaImportoPagatoScadenza(Valore(chiave));
           }
           if (!pagato)
             avvisa("Errore in fase di registrazione del pagamento relativo alla scadenza n. " + std::to_string(chiave),

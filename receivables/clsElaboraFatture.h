@@ -184,15 +184,23 @@ class clsElaboraFatture {
                               const Valore& clientID, long hWnd);
 
  private:
-  // What a run reads once instead of at every document or row: the causals' operativity, the
-  // clients' accounts, the VAT codes of collection expenses and stamps and their rates.
+  // What a run reads once instead of at every document or row: the causals' operativity and
+  // their register data, the clients' accounts, whether an account is in the chart (for the
+  // warnings), the VAT codes of collection expenses and stamps and their rates.
   struct Cache {
     std::map<std::string, std::string> operativita, contiClienti;
+    struct Causale {
+      bool esiste = false;
+      std::string registro, tipo, proposto;
+    };
+    std::map<std::string, Causale> causali;
+    std::map<std::string, bool> conti;
     bool codiciLetti = false;
     std::string codiceIncasso, codiceArt15;
     std::optional<Importo> aliqIncasso, aliqArt15;
   };
   std::optional<Cache> cache_;
+  bool EsisteContoCorsa(clsPrimaNota& pn, const std::string& conto);
 };
 
 }  // namespace vorn

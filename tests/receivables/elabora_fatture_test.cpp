@@ -285,6 +285,11 @@ TEST_P(ElaboraFattureTest, EachKindOfDocumentGivesItsJournal) {
     EXPECT_EQ(NullToZeroLng(p(0).Value()), 1);
     EXPECT_EQ(NullToZeroCy(p(1).Value()), I(imp));
     EXPECT_EQ(TrimTesto(p(2).Value()), reg);
+    // and the instalment shows it paid.
+    EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo Pagato] FROM [Scadenziario] WHERE [Numero Progressivo] = ?",
+                                       {Valore(prog)})),
+              I(imp))
+        << prog;
   }
   // The document's first instalment carries the main registration.
   EXPECT_EQ(TrimTesto(cn->Scalare("SELECT [numeroRegistrazione] FROM [Scadenziario] WHERE [Numero Progressivo] = 101")),
