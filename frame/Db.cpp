@@ -403,6 +403,16 @@ std::string Connessione::Traduci(std::string_view sql) const {
     if (IniziaCon(sql, "CREATE") || IniziaCon(sql, "ALTER")) return AmmontareSqlite(std::string(sql));
     return std::string(sql);
   }
+  // The same statements come again and again: each is translated once (a bounded memory).
+  auto trovata = traduzioni_.find(std::string(sql));
+  if (trovata != traduzioni_.end()) return trovata->second;
+  if (traduzioni_.size() >= 2048) traduzioni_.clear();
+  std::string t = TraduciPostgres(sql);
+  traduzioni_.emplace(std::string(sql), t);
+  return t;
+}
+
+std::string Connessione::TraduciPostgres(std::string_view sql) const {
   std::string out;
   out.reserve(sql.size() + 16);
   int n = 0;

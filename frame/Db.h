@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "frame/Valore.h"
@@ -349,6 +350,8 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   // Before a statement: deferred work it touches is written first.
   void PrimaDi(std::string_view sql);
   void ChiudiTutto();
+  std::string TraduciPostgres(std::string_view sql) const;
+  mutable std::unordered_map<std::string, std::string> traduzioni_;
   std::map<std::string, std::vector<std::string>> chiavi_;
   // Watched tables, in lower case, and the writes that named them.
   struct Osservata {

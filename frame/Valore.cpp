@@ -37,7 +37,23 @@ std::string Case(std::string_view s, bool upper) {
 std::string UCase(std::string_view s) { return Case(s, true); }
 std::string LCase(std::string_view s) { return Case(s, false); }
 bool UgualeNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && LCase(a) == LCase(b);
+  // LCase(a) == LCase(b), without making the copies (column names are compared all the time).
+  if (a.size() != b.size()) return false;
+  auto minuscola = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + 32) : c; };
+  auto seconda = [](unsigned char d) {
+    return d >= 0x80 && d <= 0x9E && d != 0x97 ? static_cast<unsigned char>(d + 0x20) : d;
+  };
+  const size_t n = a.size();
+  for (size_t i = 0; i < n; ++i) {
+    unsigned char x = static_cast<unsigned char>(a[i]), y = static_cast<unsigned char>(b[i]);
+    if (x == 0xC3 && y == 0xC3 && i + 1 < n) {
+      ++i;
+      if (seconda(static_cast<unsigned char>(a[i])) != seconda(static_cast<unsigned char>(b[i]))) return false;
+    } else if (minuscola(x) != minuscola(y)) {
+      return false;
+    }
+  }
+  return true;
 }
 
 std::string DoubleInTesto(double d) {

@@ -1155,6 +1155,11 @@ bool clsPrimaNota::AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazion
 bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistrazionePN, const Valore& clientID,
                                                      long hWnd) {
   AssicuraConnessione();
+  // The company's row, written in one statement; made when there is none.
+  if (cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [UltimaRegistrazionePN] = ?, [clientName] = ?, [hWnd] = ?",
+                 {Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN))),
+                  Coerci(clientID, TipoCampo::Testo), Valore(static_cast<long long>(hWnd))}) > 0)
+    return true;
   Recordset rs = cn->Apri("Progressivi Azienda Vorn");
   if (rs.Eof()) rs.AddNew();
   rs("UltimaRegistrazionePN") = Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN)));
