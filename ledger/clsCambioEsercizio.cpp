@@ -84,9 +84,9 @@ class Registrazione {
   // ScriviRigaCambioEsercizio: one row of the entry.
   void Riga(const std::string& conto, const std::string& ind, const std::string& cod, const char* lato,
             Importo importo) {
-    char linea[8];
+    char linea[16];
     std::snprintf(linea, sizeof linea, "%03d", ++righe_);
-    char numero[8];
+    char numero[16];
     std::snprintf(numero, sizeof numero, "%05d", numero_);
     const std::string data = data_.ComeData()->Testo();
     RecordValori r{{"NumeroRegistrazione", Valore(numero)},
@@ -205,7 +205,8 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
 
   bool risultato = false;
   EsitoCambioEsercizio e;
-  {
+  // The run's unit: a refusal inside it returns false, and the unit is undone.
+  [&]() -> bool {
     Atomico unita(*cn);
     // The first entry number is taken at once: its counter row is held until the end, so that
     // two year changes (or a poster) on one database run one after the other, and the check
@@ -330,7 +331,8 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
     progressivi.AggiornaDataAperturaBilancio(Valore(competenzaApertura), a.clientID, a.hWnd);
     unita.Conferma();
     risultato = true;
-  }
+    return true;
+  }();
   progresso("");
   if (!motivo.empty()) return rifiutato();
   if (esito) *esito = e;
