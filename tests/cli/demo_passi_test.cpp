@@ -140,6 +140,18 @@ TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
             NullToZeroCy(cn->Scalare("SELECT SUM([ImportoMovimento]) FROM [Prima Nota] WHERE [DareAvere] = 'D' AND "
                                      "[DataRegistrazione] BETWEEN ? AND ?",
                                      trimestre)));
+  // The year change runs last, after the balance sheet has read the year: every account of 2024
+  // is at zero at its end, and the balances are still those of the journal.
+  EXPECT_EQ(posizione("cambio esercizio"), static_cast<long>(nomi.size()) - 1);
+  size_t cambio = testo.find("Cambio esercizio: chiuso il 2024 al 31/12/2024 (registrazioni ");
+  ASSERT_NE(cambio, std::string::npos) << testo;
+  EXPECT_LT(testo.find("Bilancio contabile dal 01/01/2024"), cambio);
+  EXPECT_NE(testo.find("aperto il 2025 al 01/01/2025; saldi allineati alla prima nota\n", cambio), std::string::npos);
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM (SELECT [ContoPrimaNota] FROM [Prima Nota] WHERE [DataCompetenza] <= ? "
+                  "GROUP BY [ContoPrimaNota] HAVING SUM(CASE WHEN [DareAvere] = 'D' THEN [ImportoMovimento] "
+                  "ELSE -[ImportoMovimento] END) <> 0) [s]",
+                  {Valore(*Data::Crea(2024, 12, 31))}),
+            0);
   // No work table of the prints is left in the company.
   for (const auto& t : cn->Tabelle()) EXPECT_NE(LCase(t).rfind("vorn", 0), 0u) << t;
 }
