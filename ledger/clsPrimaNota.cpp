@@ -365,16 +365,22 @@ bool clsPrimaNota::LettureValide() {
   return true;
 }
 
-bool clsPrimaNota::RegistrazioneNuova(const std::string& numero) {
+bool clsPrimaNota::RegistrazioniNuoveValide() {
   uint64_t serie = cn->SerieTransazione();
-  if (serie == 0 || numero.empty()) return false;
+  if (serie == 0) return false;
   uint64_t scritture = cn->ScrittureDi("Prima Nota");
-  if (letture_.serieNuove != serie || letture_.primaNota != scritture || letture_.cn != cn.get()) {
+  if (letture_.serieNuove != serie || letture_.primaNota != scritture || letture_.cnNuove != cn.get()) {
     letture_.registrazioniNuove.clear();
     letture_.chiaviScritte.clear();
     letture_.serieNuove = serie;
     letture_.primaNota = scritture;
+    letture_.cnNuove = cn.get();
   }
+  return true;
+}
+
+bool clsPrimaNota::RegistrazioneNuova(const std::string& numero) {
+  if (numero.empty() || !RegistrazioniNuoveValide()) return false;
   if (letture_.registrazioniNuove.count(numero)) return true;
   if (!cn->Scalare("SELECT 1 FROM [Prima Nota] WHERE [NumeroRegistrazione] = ? LIMIT 1", {Valore(numero)}).IsNull())
     return false;
@@ -1256,7 +1262,11 @@ int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   // journal: two clients never get the same number, and a rollback gives it back.
   clsProgAzienda progressivi;
   progressivi.cn = cn;
-  return progressivi.PrendiNumeroRegistrazione();
+  const int32_t n = progressivi.PrendiNumeroRegistrazione();
+  // Above every number of the journal, and the counter stays locked until the commit: the entry
+  // has no row yet, and its rows written in this transaction need not be looked for.
+  if (RegistrazioniNuoveValide()) letture_.registrazioniNuove.insert(Format(Valore(n), "00000"));
+  return n;
 }
 
 bool clsPrimaNota::ExistRegistrazione(const Valore& numeroRegistrazione) {

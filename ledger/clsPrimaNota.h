@@ -262,6 +262,7 @@ class clsPrimaNota {
     std::unordered_map<std::string, bool> sottoconti;
     // Entry numbers that had no row when this transaction first saved one of them, and the
     // writes to the journal on this connection that were all this object's own since.
+    const Connessione* cnNuove = nullptr;
     uint64_t serieNuove = 0, primaNota = 0;
     std::unordered_set<std::string> registrazioniNuove;
     std::unordered_set<std::string> chiaviScritte;  // keys of the rows this object added to them
@@ -271,6 +272,8 @@ class clsPrimaNota {
   // True when every row of the entry saved in this transaction was added by this object, and it
   // had none before: a row of it is then found by its exact key.
   bool RegistrazioneNuova(const std::string& numero);
+  // True inside a transaction, what is known of new entries dropped when it is stale.
+  bool RegistrazioniNuoveValide();
   // Movement of one row with its causal's operativity already read (none: not there).
   void MovimentaRiga(const MovimentoPrimaNota& m, const std::optional<std::string>& operativita);
   std::optional<MovimentiSaldi> raccolta_;
