@@ -3,7 +3,6 @@
 
 #include "cli/Comandi.h"
 #include "company/clsParametriAzienda.h"
-#include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "ledger/clsCambioEsercizio.h"
@@ -44,18 +43,9 @@ int Esegui(Contesto& ctx) {
   const Data apertura = fine.AggiungiGiorni(1);
 
   ArgomentiCambioEsercizio arg;
-  clsTabRiferimenti rif;
-  rif.cn = db->cn;
-  if (!rif.GetRiferimentiCambioEsercizio(arg.avar_CausaleBilancioChiusura, arg.avar_CausaleBilancioApertura,
-                                         arg.avar_SottocontoProfittiPerdite, arg.avar_SottocontoBilancioApertura,
-                                         arg.avar_SottocontoBilancioChiusura, arg.avar_SottocontoUtilePerdita))
+  if (!ArgomentiCambioEsercizioAzienda(db->cn, inizio, fine, arg))
     throw ErroreComando("mancano i riferimenti contabili dell'azienda");
   arg.frm_FormAttiva = &ctx.form;
-  arg.avar_DaData = Valore(inizio);
-  arg.avar_AData = arg.avar_DataRegistrazioneChiusura = arg.avar_DataCompetenzaChiusura = Valore(fine);
-  arg.avar_DataRegistrazioneApertura = arg.avar_DataCompetenzaApertura = Valore(apertura);
-  arg.var_DescrizioneSupplem_Chiusura = Valore("Chiusura conti " + std::to_string(anno));
-  arg.var_DescrizioneSupplem_Apertura = Valore("Apertura conti " + std::to_string(apertura.Anno()));
   arg.clientID = Valore("vorn");
 
   clsCambioEsercizio cambio;

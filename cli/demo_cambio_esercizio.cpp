@@ -6,7 +6,6 @@
 
 #include "cli/Demo.h"
 #include "cli/HostConsole.h"
-#include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "ledger/VerificaSaldi.h"
@@ -20,17 +19,9 @@ namespace {
 void Passo(ContestoDemo& ctx) {
   const int anno = ctx.Anno();
   ArgomentiCambioEsercizio a;
-  clsTabRiferimenti rif;
-  rif.cn = ctx.cn;
-  rif.GetRiferimentiCambioEsercizio(a.avar_CausaleBilancioChiusura, a.avar_CausaleBilancioApertura,
-                                    a.avar_SottocontoProfittiPerdite, a.avar_SottocontoBilancioApertura,
-                                    a.avar_SottocontoBilancioChiusura, a.avar_SottocontoUtilePerdita);
+  if (!ArgomentiCambioEsercizioAzienda(ctx.cn, *Data::Crea(anno, 1, 1), *Data::Crea(anno, 12, 31), a))
+    throw std::runtime_error("mancano i riferimenti contabili dell'azienda");
   a.frm_FormAttiva = ctx.form;
-  a.avar_DaData = Valore(*Data::Crea(anno, 1, 1));
-  a.avar_AData = a.avar_DataRegistrazioneChiusura = a.avar_DataCompetenzaChiusura = Valore(*Data::Crea(anno, 12, 31));
-  a.avar_DataRegistrazioneApertura = a.avar_DataCompetenzaApertura = Valore(*Data::Crea(anno + 1, 1, 1));
-  a.var_DescrizioneSupplem_Chiusura = Valore("Chiusura conti " + std::to_string(anno));
-  a.var_DescrizioneSupplem_Apertura = Valore("Apertura conti " + std::to_string(anno + 1));
   a.clientID = Valore("demo");
   clsCambioEsercizio cambio;
   cambio.cn = ctx.cn;

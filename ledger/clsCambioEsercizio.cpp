@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <tuple>
 
 #include "company/clsProgAzienda.h"
+#include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "ledger/clsPrimaNota.h"
@@ -154,6 +156,23 @@ void GiraSaldi(Registrazione& reg, std::vector<SaldoAnno> saldi, const std::stri
 
 }  // namespace
 
+bool ArgomentiCambioEsercizioAzienda(const std::shared_ptr<Connessione>& cn, const Data& inizio, const Data& fine,
+                                     ArgomentiCambioEsercizio& a) {
+  clsTabRiferimenti rif;
+  rif.cn = cn;
+  const bool trovati =
+      rif.GetRiferimentiCambioEsercizio(a.avar_CausaleBilancioChiusura, a.avar_CausaleBilancioApertura,
+                                        a.avar_SottocontoProfittiPerdite, a.avar_SottocontoBilancioApertura,
+                                        a.avar_SottocontoBilancioChiusura, a.avar_SottocontoUtilePerdita);
+  const Data apertura = fine.AggiungiGiorni(1);
+  a.avar_DaData = Valore(inizio);
+  a.avar_AData = a.avar_DataRegistrazioneChiusura = a.avar_DataCompetenzaChiusura = Valore(fine);
+  a.avar_DataRegistrazioneApertura = a.avar_DataCompetenzaApertura = Valore(apertura);
+  a.var_DescrizioneSupplem_Chiusura = Valore("Chiusura conti " + std::to_string(fine.Anno()));
+  a.var_DescrizioneSupplem_Apertura = Valore("Apertura conti " + std::to_string(apertura.Anno()));
+  return trovati;
+}
+
 Importo clsCambioEsercizio::GetSaldoContoEconomico(const Valore& avar_DaData, const Valore& avar_AData) {
   return SommaSezione(LeggiSaldiAnno(*cn, *avar_DaData.ComeData(), *avar_AData.ComeData()), "1");
 }
@@ -280,49 +299,49 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
     } ripristina{pn, recuperabili};
 
     progresso("Generazione tabella 'Tmp tabella movimenti prima nota' per calcolo saldi alla data di cambio esercizio");
+    // One entry of the run, closing (on the closing date and causal) or opening: its number
+    // and rows go to the outcome.
+    auto registra = [&](bool apertura, int32_t& numeroEsito, const std::function<void(Registrazione&)>& righe) {
+      Registrazione reg(pn, a, operativita[apertura ? 1 : 0], numero(),
+                        apertura ? a.avar_DataRegistrazioneApertura : a.avar_DataRegistrazioneChiusura,
+                        apertura ? a.avar_DataCompetenzaApertura : a.avar_DataCompetenzaChiusura,
+                        Valore(apertura ? causaleApertura : causaleChiusura),
+                        apertura ? a.var_DescrizioneSupplem_Apertura : a.var_DescrizioneSupplem_Chiusura);
+      righe(reg);
+      numeroEsito = reg.Numero();
+      e.righe += reg.Righe();
+    };
+
     progresso("Chiusura s/conti 'Conto Economico' girandoli a 'Profitti e Perdite' (Conto di Riepilogo)");
     std::vector<SaldoAnno> economici = saldi.DellaSezione("1");
     Importo economico;  // costs less revenues
     for (auto& s : economici) economico += s.saldo;
-    if (!economici.empty()) {
-      Registrazione reg(pn, a, operativita[0], numero(), a.avar_DataRegistrazioneChiusura,
-                        a.avar_DataCompetenzaChiusura, Valore(causaleChiusura), a.var_DescrizioneSupplem_Chiusura);
-      GiraSaldi(reg, economici, contoPP, true);
-      e.registrazioneChiusuraEconomici = reg.Numero();
-      e.righe += reg.Righe();
-    }
+    if (!economici.empty())
+      registra(false, e.registrazioneChiusuraEconomici,
+               [&](Registrazione& reg) { GiraSaldi(reg, economici, contoPP, true); });
 
     progresso(" Giroconto 'Profitti e Perdite' a 'Risultato di esercizio' (Stato Patrimoniale)");
     // Profits and losses now hold the year's costs on debit and revenues on credit: a profit
     // (costs below revenues) is a credit balance, which goes to the result on credit.
     e.risultato = -economico;
     if (!economico.Zero()) {
-      Registrazione reg(pn, a, operativita[0], numero(), a.avar_DataRegistrazioneChiusura,
-                        a.avar_DataCompetenzaChiusura, Valore(causaleChiusura), a.var_DescrizioneSupplem_Chiusura);
       const bool utile = economico < Importo();
       const Importo importo = utile ? -economico : economico;
-      reg.Riga(contoPP, "", "", utile ? "D" : "A", importo);
-      reg.Riga(contoRisultato, "", "", utile ? "A" : "D", importo);
-      e.registrazioneRisultato = reg.Numero();
-      e.righe += reg.Righe();
+      registra(false, e.registrazioneRisultato, [&](Registrazione& reg) {
+        reg.Riga(contoPP, "", "", utile ? "D" : "A", importo);
+        reg.Riga(contoRisultato, "", "", utile ? "A" : "D", importo);
+      });
       saldi.saldi[{contoRisultato, "", ""}] += economico;  // the result account, as now posted
     }
 
     progresso(" Chiusura s/conti Patrimoniali girandoli a 'Bilancio Chiusura' (Conto di Riepilogo)");
     std::vector<SaldoAnno> patrimoniali = saldi.DellaSezione("0");
     if (!patrimoniali.empty()) {
-      Registrazione reg(pn, a, operativita[0], numero(), a.avar_DataRegistrazioneChiusura,
-                        a.avar_DataCompetenzaChiusura, Valore(causaleChiusura), a.var_DescrizioneSupplem_Chiusura);
-      GiraSaldi(reg, patrimoniali, contoChiusura, true);
-      e.registrazioneChiusuraPatrimoniali = reg.Numero();
-      e.righe += reg.Righe();
-
+      registra(false, e.registrazioneChiusuraPatrimoniali,
+               [&](Registrazione& reg) { GiraSaldi(reg, patrimoniali, contoChiusura, true); });
       progresso(" Apertura saldi dei s/conti Patrimoniali nel nuovo esercizio");
-      Registrazione ap(pn, a, operativita[1], numero(), a.avar_DataRegistrazioneApertura,
-                       a.avar_DataCompetenzaApertura, Valore(causaleApertura), a.var_DescrizioneSupplem_Apertura);
-      GiraSaldi(ap, patrimoniali, contoApertura, false);
-      e.registrazioneApertura = ap.Numero();
-      e.righe += ap.Righe();
+      registra(true, e.registrazioneApertura,
+               [&](Registrazione& reg) { GiraSaldi(reg, patrimoniali, contoApertura, false); });
     }
 
     progresso("Aggiornata la data di apertura di bilancio");

@@ -9,10 +9,12 @@
 // A year already changed is refused with a message, so that a second run never doubles the
 // entries. The accounts and causals come from clsTabRiferimenti::GetRiferimentiCambioEsercizio.
 #pragma once
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "frame/ConnessioneClasse.h"
+#include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Host.h"
 #include "frame/Importo.h"
@@ -47,6 +49,12 @@ struct EsitoCambioEsercizio {
   long righe = 0;
   Importo risultato;  // revenues less costs: a profit is positive
 };
+
+// The arguments of a run with the company's references (GetRiferimentiCambioEsercizio): the
+// year from `inizio` to `fine`, closed on its last day and opened on the day after, described
+// "Chiusura conti AAAA" and "Apertura conti AAAA". False when the references have no row.
+bool ArgomentiCambioEsercizioAzienda(const std::shared_ptr<Connessione>& cn, const Data& inizio, const Data& fine,
+                                     ArgomentiCambioEsercizio& a);
 
 class clsCambioEsercizio {
  public:

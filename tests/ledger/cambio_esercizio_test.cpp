@@ -6,7 +6,6 @@
 #include <map>
 
 #include "company/clsProgAzienda.h"
-#include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/VerificaSaldi.h"
@@ -71,16 +70,7 @@ class CambioEsercizio : public AziendaTest {
 
   ArgomentiCambioEsercizio Argomenti() {
     ArgomentiCambioEsercizio a;
-    clsTabRiferimenti rif;
-    rif.cn = cn;
-    EXPECT_TRUE(rif.GetRiferimentiCambioEsercizio(a.avar_CausaleBilancioChiusura, a.avar_CausaleBilancioApertura,
-                                                  a.avar_SottocontoProfittiPerdite, a.avar_SottocontoBilancioApertura,
-                                                  a.avar_SottocontoBilancioChiusura, a.avar_SottocontoUtilePerdita));
-    a.avar_DaData = Valore("01/01/2024");
-    a.avar_AData = a.avar_DataRegistrazioneChiusura = a.avar_DataCompetenzaChiusura = Valore("31/12/2024");
-    a.avar_DataRegistrazioneApertura = a.avar_DataCompetenzaApertura = Valore("01/01/2025");
-    a.var_DescrizioneSupplem_Chiusura = Valore("Chiusura 2024");
-    a.var_DescrizioneSupplem_Apertura = Valore("Apertura 2025");
+    EXPECT_TRUE(ArgomentiCambioEsercizioAzienda(cn, *Data::Crea(2024, 1, 1), *Data::Crea(2024, 12, 31), a));
     return a;
   }
 
@@ -175,6 +165,9 @@ TEST_P(CambioEsercizio, ClosesTheYearAndOpensTheNextAtItsBalances) {
                 "010 A 9001002 10000", "011 D 1003001 399.5", "012 A 9001002 399.5",
                 "013 D 1301001 F 000001 476", "014 A 9001002 476", "015 D 1401001 220",
                 "016 A 9001002 220"}));
+  EXPECT_EQ(TrimTesto(cn->Scalare("SELECT MAX([DescrizioneSupplem]) FROM [Prima Nota] WHERE [NumeroRegistrazione] "
+                                  "IN ('00009', '00012')")),
+            "Chiusura conti 2024");
   // Each entry squares; the closing ones carry the closing causal and date, the opening the next year's.
   for (const char* n : {"00009", "00010", "00011", "00012"}) {
     auto rs = cn->Execute("SELECT SUM(CASE WHEN [DareAvere] = 'D' THEN [ImportoMovimento] ELSE -[ImportoMovimento] "
