@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <optional>
+#include <set>
 #include <tuple>
 
 #include "company/clsProgAzienda.h"
@@ -44,7 +46,33 @@ struct SaldiAnno {
   }
 };
 
-SaldiAnno LeggiSaldiAnno(Connessione& cn, const Data& dal, const Data& al) {
+// What the last unload took out of the journal, when it joins the year (the unload on the day
+// before its start) or lies inside it: the journal then lacks those rows, and their totals stand
+// in the progressives (opening + debit - credit). An unload before that belongs to years already
+// closed and reopened by their entries, which are in the journal. A sub-account of clients or
+// suppliers takes the progressives of each partner instead of its own.
+void AggiungiProgressivi(Connessione& cn, SaldiAnno& s) {
+  std::set<std::string> conPartner;
+  for (const char* t : {"Anagrafica Clienti", "Anagrafica Fornitori"})
+    for (auto rs = cn.Execute(std::string("SELECT [SottocontoApparten], [Codice Cliente], COALESCE([SaldoInizProgress], "
+                                          "0) + COALESCE([SaldoDareProgress], 0) - COALESCE([SaldoAvereProgress], 0) "
+                                          "FROM [") + t + "]");
+         !rs.Eof(); rs.MoveNext()) {
+      const std::string conto = TrimTesto(rs(0).Value()), cod = TrimTesto(rs(1).Value());
+      if (conto.empty()) continue;
+      conPartner.insert(conto);
+      s.saldi[{conto, t[11] == 'C' ? "C" : "F", cod}] += NullToZeroCy(rs(2).Value());
+    }
+  for (auto rs = cn.Execute("SELECT COALESCE([CodiceGruppo], '') || COALESCE([CodiceConto], '') || "
+                            "COALESCE([CodiceSottoconto], ''), COALESCE([SaldoInizialeProgr], 0) + "
+                            "COALESCE([DareProgressivo], 0) - COALESCE([AvereProgressivo], 0) FROM [Saldi Piano Dei Conti]");
+       !rs.Eof(); rs.MoveNext()) {
+    const std::string conto = TrimTesto(rs(0).Value());
+    if (conto.size() == 7 && !conPartner.count(conto)) s.saldi[{conto, "", ""}] += NullToZeroCy(rs(1).Value());
+  }
+}
+
+SaldiAnno LeggiSaldiAnno(Connessione& cn, const Data& dal, const Data& al, bool conProgressivi) {
   SaldiAnno s;
   for (auto rs = cn.Execute("SELECT [Gruppo], [IndDiBilancio] FROM [Piano Dei Conti] "
                             "WHERE COALESCE([Conto], '') = '' AND COALESCE([Sottoconto], '') = ''");
@@ -65,7 +93,20 @@ SaldiAnno LeggiSaldiAnno(Connessione& cn, const Data& dal, const Data& al) {
     if (ind.empty() || cod.empty()) ind.clear(), cod.clear();
     s.saldi[{TrimTesto(rs(0).Value()), ind, cod}] += NullToZeroCy(rs(3).Value());
   }
+  if (conProgressivi) AggiungiProgressivi(cn, s);
   return s;
+}
+
+// The date of the last unload, when there is one.
+std::optional<Data> UltimoScarico(const std::shared_ptr<Connessione>& cn) {
+  clsProgAzienda progressivi;
+  progressivi.cn = cn;
+  return progressivi.GetDataUltimoScaricoPrimaNota().ComeData();
+}
+
+// True when the unload's progressives are part of the year from `dal` (see AggiungiProgressivi).
+bool ProgressiviNellAnno(const std::optional<Data>& scarico, const Data& dal) {
+  return scarico && *scarico >= dal.AggiungiGiorni(-1);
 }
 
 Importo SommaSezione(const SaldiAnno& s, const std::string& sezione) {
@@ -174,11 +215,15 @@ bool ArgomentiCambioEsercizioAzienda(const std::shared_ptr<Connessione>& cn, con
 }
 
 Importo clsCambioEsercizio::GetSaldoContoEconomico(const Valore& avar_DaData, const Valore& avar_AData) {
-  return SommaSezione(LeggiSaldiAnno(*cn, *avar_DaData.ComeData(), *avar_AData.ComeData()), "1");
+  const Data dal = *avar_DaData.ComeData();
+  return SommaSezione(LeggiSaldiAnno(*cn, dal, *avar_AData.ComeData(), ProgressiviNellAnno(UltimoScarico(cn), dal)),
+                      "1");
 }
 
 Importo clsCambioEsercizio::GetSaldoSituazionePatrimoniale(const Valore& avar_DaData, const Valore& avar_AData) {
-  return SommaSezione(LeggiSaldiAnno(*cn, *avar_DaData.ComeData(), *avar_AData.ComeData()), "0");
+  const Data dal = *avar_DaData.ComeData();
+  return SommaSezione(LeggiSaldiAnno(*cn, dal, *avar_AData.ComeData(), ProgressiviNellAnno(UltimoScarico(cn), dal)),
+                      "0");
 }
 
 bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, clsPrimaNota& pn,
@@ -237,7 +282,12 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
       return n;
     };
 
-    SaldiAnno saldi = LeggiSaldiAnno(*cn, dal, al);
+    // A year whose end the journal has already been unloaded past has lost rows after it too.
+    const std::optional<Data> scarico = UltimoScarico(cn);
+    if (scarico && *scarico > al)
+      return rifiuta("La prima nota è stata scaricata fino al " + scarico->Testo() +
+                     ", oltre la fine dell'esercizio. Impossibile continuare");
+    SaldiAnno saldi = LeggiSaldiAnno(*cn, dal, al, ProgressiviNellAnno(scarico, dal));
     // The references: sub-accounts in the chart, of the section their part needs, and causals.
     struct Rif {
       const std::string& conto;

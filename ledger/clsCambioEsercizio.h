@@ -63,7 +63,9 @@ class clsCambioEsercizio {
   // The whole run inside one transaction (its own, or a savepoint level of the caller's).
   // False, with the reason told through the host and nothing written, when the arguments do not
   // hold (dates, accounts and causals missing or of the wrong kind, an account whose group has
-  // no section) or the year has already been changed. A database error throws, nothing left.
+  // no section, a journal unloaded past the year's end) or the year has already been changed.
+  // The year's balances are its journal rows by competence date, plus the progressives of the
+  // last unload when it joins the year or lies inside it. A database error throws, nothing left.
   // `objPrimaNota` is used with this object's connection.
   bool CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, clsPrimaNota& objPrimaNota,
                            EsitoCambioEsercizio* esito = nullptr);

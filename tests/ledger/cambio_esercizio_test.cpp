@@ -247,6 +247,43 @@ TEST_P(CambioEsercizio, ARunBrokenHalfwayOrRefusedLeavesNothing) {
   EXPECT_EQ(Saldi("01/01/2024", "31/12/2024").size(), 0u);
 }
 
+TEST_P(CambioEsercizio, TheFirstQuarterUnloadedIsPartOfTheYear) {
+  // Unloaded up to March: 200 more cashed against revenues, 30 more owed by client 1 to the
+  // supplier. The control accounts' own progressives (30 each) are those of their partners.
+  cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [UltimoScaricoPN] = ?", {Valore(*Data::Crea(2024, 3, 31))});
+  auto progressivo = [&](const char* conto, const char* colonna, const char* importo) {
+    cn->Esegui(std::string("UPDATE [Saldi Piano Dei Conti] SET [") + colonna +
+                   "] = ? WHERE [CodiceGruppo] = ? AND [CodiceConto] = ? AND [CodiceSottoconto] = ?",
+               {Valore(I(importo)), Valore(std::string(conto).substr(0, 2)), Valore(std::string(conto).substr(2, 2)),
+                Valore(std::string(conto).substr(4))});
+  };
+  progressivo("0701001", "DareProgressivo", "200");
+  progressivo("7001001", "AvereProgressivo", "200");
+  progressivo("0501001", "DareProgressivo", "30");
+  progressivo("1301001", "AvereProgressivo", "30");
+  cn->Esegui("UPDATE [Anagrafica Clienti] SET [SaldoDareProgress] = 30 WHERE [Codice Cliente] = '000001'");
+  cn->Esegui("UPDATE [Anagrafica Fornitori] SET [SaldoAvereProgress] = 30 WHERE [Codice Cliente] = '000001'");
+  EsitoCambioEsercizio e;
+  ASSERT_TRUE(Esegui(Argomenti(), &e)) << host->Ultimo();
+  EXPECT_EQ(e.risultato, I("599.50"));
+  auto attesi = kPatrimonialiFineAnno;
+  attesi["0701001"] = I("9999.50");
+  attesi["0501001C000001"] = I("1250");
+  attesi["1301001F000001"] = I("-506");
+  attesi["1003001"] = I("-599.50");
+  EXPECT_EQ(Saldi("01/01/2025", "01/01/2025"), attesi);
+
+  // An unload past the year's end is refused.
+  cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [UltimoScaricoPN] = ?", {Valore(*Data::Crea(2025, 1, 31))});
+  auto a = Argomenti();
+  a.avar_DaData = Valore("01/01/2023");
+  a.avar_AData = a.avar_DataCompetenzaChiusura = a.avar_DataRegistrazioneChiusura = Valore("31/12/2023");
+  a.avar_DataCompetenzaApertura = a.avar_DataRegistrazioneApertura = Valore("01/01/2024");
+  EXPECT_FALSE(Esegui(a));
+  EXPECT_EQ(host->Ultimo(),
+            "La prima nota è stata scaricata fino al 31/01/2025, oltre la fine dell'esercizio. Impossibile continuare");
+}
+
 VORN_SU_DUE_MOTORI(CambioEsercizio);
 
 }  // namespace
