@@ -238,26 +238,29 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
     Host().MsgBox(motivo, vbExclamation, kTitolo);
     return false;
   };
+  // A refusal before the transaction is told at once.
+  auto ferma = [&](const std::string& testo) {
+    rifiuta(testo);
+    return rifiutato();
+  };
   auto progresso = [&](const std::string& testo) {
     if (a.frm_FormAttiva) a.frm_FormAttiva->msgbar(testo);
   };
   for (const Valore* d : {&a.avar_DaData, &a.avar_AData, &a.avar_DataRegistrazioneChiusura,
                           &a.avar_DataCompetenzaChiusura, &a.avar_DataRegistrazioneApertura,
                           &a.avar_DataCompetenzaApertura})
-    if (!d->IsDate()) return rifiuta("Date del cambio esercizio mancanti o non corrette. Impossibile continuare"), rifiutato();
+    if (!d->IsDate()) return ferma("Date del cambio esercizio mancanti o non corrette. Impossibile continuare");
   const Data dal = *a.avar_DaData.ComeData(), al = *a.avar_AData.ComeData();
   const Data competenzaChiusura = *a.avar_DataCompetenzaChiusura.ComeData();
   const Data competenzaApertura = *a.avar_DataCompetenzaApertura.ComeData();
   if (dal > al)
-    return rifiuta("La data iniziale dell'esercizio è successiva a quella finale. Impossibile continuare"), rifiutato();
+    return ferma("La data iniziale dell'esercizio è successiva a quella finale. Impossibile continuare");
   if (competenzaChiusura < dal || competenzaChiusura > al)
-    return rifiuta("La data di competenza della chiusura deve cadere nell'esercizio dal " + dal.Testo() + " al " +
-                   al.Testo() + ". Impossibile continuare"),
-           rifiutato();
+    return ferma("La data di competenza della chiusura deve cadere nell'esercizio dal " + dal.Testo() + " al " +
+                 al.Testo() + ". Impossibile continuare");
   if (competenzaApertura <= al)
-    return rifiuta("La data di competenza dell'apertura deve seguire la fine dell'esercizio (" + al.Testo() +
-                   "). Impossibile continuare"),
-           rifiutato();
+    return ferma("La data di competenza dell'apertura deve seguire la fine dell'esercizio (" + al.Testo() +
+                 "). Impossibile continuare");
 
   pn.cn = cn;
   const std::string contoPP = TrimTesto(a.avar_SottocontoProfittiPerdite),
@@ -339,6 +342,9 @@ bool clsCambioEsercizio::CambioEsercizioVorn(const ArgomentiCambioEsercizio& a, 
                        " risulta già eseguito (registrazione n. " + TrimTesto(gia) +
                        "). Il cambio esercizio non viene ripetuto");
     }
+    if (saldi.DellaSezione("0").empty() && saldi.DellaSezione("1").empty())
+      return rifiuta("Nessun saldo da chiudere nell'esercizio dal " + dal.Testo() + " al " + al.Testo() +
+                     ". Impossibile continuare");
 
     const bool recuperabili = pn.UnitaRecuperabili;
     pn.UnitaRecuperabili = false;  // the run is one unit: a failed row fails it whole

@@ -240,6 +240,13 @@ TEST_P(CambioEsercizio, ARunBrokenHalfwayOrRefusedLeavesNothing) {
   a = Argomenti();
   a.avar_CausaleBilancioApertura = Valore("CHI");
   EXPECT_FALSE(Esegui(a));
+  // A year without balances has nothing to close: no entry, and no number taken.
+  a = Argomenti();
+  a.avar_DaData = Valore("01/01/2023");
+  a.avar_AData = a.avar_DataCompetenzaChiusura = a.avar_DataRegistrazioneChiusura = Valore("31/12/2023");
+  a.avar_DataCompetenzaApertura = a.avar_DataRegistrazioneApertura = Valore("01/01/2024");
+  EXPECT_FALSE(Esegui(a));
+  EXPECT_EQ(host->Ultimo(), "Nessun saldo da chiudere nell'esercizio dal 01/01/2023 al 31/12/2023. Impossibile continuare");
   EXPECT_EQ(Fotografia(), prima);
 
   // The same run whole afterwards, then the year is changed.
