@@ -240,13 +240,20 @@ TEST_P(CambioEsercizio, ARunBrokenHalfwayOrRefusedLeavesNothing) {
   a = Argomenti();
   a.avar_CausaleBilancioApertura = Valore("CHI");
   EXPECT_FALSE(Esegui(a));
-  // A year without balances has nothing to close: no entry, and no number taken.
+  // A year without balances has nothing to close: no entry, and no number taken. 2023 counts as
+  // changed already: 2024 has its opening entry.
   a = Argomenti();
-  a.avar_DaData = Valore("01/01/2023");
-  a.avar_AData = a.avar_DataCompetenzaChiusura = a.avar_DataRegistrazioneChiusura = Valore("31/12/2023");
-  a.avar_DataCompetenzaApertura = a.avar_DataRegistrazioneApertura = Valore("01/01/2024");
-  EXPECT_FALSE(Esegui(a));
-  EXPECT_EQ(host->Ultimo(), "Nessun saldo da chiudere nell'esercizio dal 01/01/2023 al 31/12/2023. Impossibile continuare");
+  for (const char* anno : {"2022", "2023"}) {
+    const std::string dopo = std::to_string(std::stoi(anno) + 1);
+    a.avar_DaData = Valore(std::string("01/01/") + anno);
+    a.avar_AData = a.avar_DataCompetenzaChiusura = a.avar_DataRegistrazioneChiusura = Valore(std::string("31/12/") + anno);
+    a.avar_DataCompetenzaApertura = a.avar_DataRegistrazioneApertura = Valore("01/01/" + dopo);
+    EXPECT_FALSE(Esegui(a));
+  }
+  EXPECT_EQ(host->Ultimo(), "Il cambio esercizio dal 01/01/2023 al 31/12/2023 risulta già eseguito (registrazione n. "
+                            "00001). Il cambio esercizio non viene ripetuto");
+  EXPECT_EQ(host->Messaggi()[host->Messaggi().size() - 2].testo,
+            "Nessun saldo da chiudere nell'esercizio dal 01/01/2022 al 31/12/2022. Impossibile continuare");
   EXPECT_EQ(Fotografia(), prima);
 
   // The same run whole afterwards, then the year is changed.
