@@ -18,47 +18,13 @@
 #include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
+#include "support/DocumentiIva.h"
 
 using namespace vorn;
 using namespace vorn::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-// The line of `testo` that holds `cosa`, or empty text.
-std::string RigaCon(const std::string& testo, const std::string& cosa) {
-  size_t p = testo.find(cosa);
-  if (p == std::string::npos) return "";
-  size_t inizio = testo.rfind('\n', p);
-  inizio = inizio == std::string::npos ? 0 : inizio + 1;
-  return testo.substr(inizio, testo.find('\n', p) - inizio);
-}
-
-struct Conto {
-  const char* lato;
-  const char* conto;
-  const char* importo;
-  const char* ind = "";  // C or F on the client's or supplier's row
-  const char* codice = "";
-};
-struct Iva {
-  const char* lato;
-  const char* conto;
-  const char* codice;
-  const char* imponibile;
-  const char* imposta;
-};
-struct Documento {
-  const char* numero;  // of the entry
-  const char* data;
-  const char* causale;
-  const char* registroIva;
-  long numeroDocumento;
-  long protocollo;
-  const char* totale;
-  const char* cliFor;  // C or F
-  const char* codiceCliFor;
-};
 
 class ComandoLiquidazioneIva : public AziendaTest {
  protected:
@@ -83,50 +49,8 @@ class ComandoLiquidazioneIva : public AziendaTest {
     pn.cn = cn;
   }
 
-  void Registra(const Documento& d, const std::vector<Conto>& righe, const std::vector<Iva>& iva) {
-    RecordValori base{{"DataRegistrazione", Valore(d.data)},
-                      {"NumeroRegistrazione", Valore(d.numero)},
-                      {"DataCompetenza", Valore(d.data)},
-                      {"TipoRegistroIva", Valore(d.registroIva)},
-                      {"NumRegistroIva", Valore("01")},
-                      {"CodiceCausale", Valore(d.causale)},
-                      {"DescrizioneSupplem", Valore("Documento " + std::to_string(d.numeroDocumento))},
-                      {"Stringa10indicatori", Valore(std::string(10, ' '))},
-                      {"Valuta", Valore("06")},
-                      {"Cambio", Valore(1.0)},
-                      {"DataDocumento", Valore(d.data)},
-                      {"NumeroDocumento", Valore(static_cast<long long>(d.numeroDocumento))},
-                      {"SerieDocumento", Valore("")},
-                      {"NumeroDiProtocollo", Valore(static_cast<long long>(d.protocollo))},
-                      {"TotaleDocumento", Valore(*Importo::DaTestoPunto(d.totale))},
-                      {"DataCompetenzaIVA", Valore(d.data)}};
-    bool cancel = false;
-    int n = 0;
-    for (const auto& r : righe) {
-      RecordValori v = base;
-      v["TipoRigaIvaNormale"] = Valore("");
-      v["NumRigaAVideo"] = Valore(Format(Valore(++n), "000"));
-      v["DareAvere"] = Valore(r.lato);
-      v["ContoPrimaNota"] = Valore(r.conto);
-      v["IndClienteFornitore"] = Valore(r.ind);
-      v["CodClienteFornitore"] = Valore(*r.ind ? d.codiceCliFor : "");
-      v["ImportoMovimento"] = Valore(*Importo::DaTestoPunto(r.importo));
-      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
-    }
-    n = 0;
-    for (const auto& r : iva) {
-      RecordValori v = base;
-      v["TipoRigaIvaNormale"] = Valore("I");
-      v["NumRigaAVideo"] = Valore(Format(Valore(++n), "000"));
-      v["DareAvere"] = Valore(r.lato);
-      v["ContoPrimaNota"] = Valore(r.conto);
-      v["ImportoMovimento"] = Valore(*Importo::DaTestoPunto(r.imposta));
-      v["Imponibile"] = Valore(*Importo::DaTestoPunto(r.imponibile));
-      v["CodiceIva"] = Valore(r.codice);
-      v["IndicatoreCliFor"] = Valore(d.cliFor);
-      v["CodiceCliFor"] = Valore(d.codiceCliFor);
-      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
-    }
+  void Registra(const DocumentoIva& d, const std::vector<RigaContoDoc>& righe, const std::vector<RigaIvaDoc>& iva) {
+    RegistraDocumento(pn, d, righe, iva);
   }
 
   // The books of the first quarter, and what each month settles.
@@ -143,21 +67,21 @@ class ComandoLiquidazioneIva : public AziendaTest {
   // and not paid. After February's credit of 88,00 is carried definitively: 20,00 - 88,00, a
   // credit of 68,00.
   void Libri() {
-    Registra({"00001", "15/01/2024", "FTV", "1", 1, 0, "1770", "C", "1"},
+    Registra({"00001", "15/01/2024", "FTV", "1", "01", 1, 0, "1770", "C", "1"},
              {{"D", "0501001", "1770", "C"}, {"A", "7001001", "1500"}},
              {{"A", "1401001", "022", "1000", "220"}, {"A", "1401001", "010", "500", "50"}});
-    Registra({"00002", "20/01/2024", "NCV", "1", 2, 0, "244", "C", "1"},
+    Registra({"00002", "20/01/2024", "NCV", "1", "01", 2, 0, "244", "C", "1"},
              {{"A", "0501001", "244", "C"}, {"D", "7001006", "200"}}, {{"D", "1401001", "022", "200", "44"}});
-    Registra({"00003", "22/01/2024", "FTV", "1", 3, 0, "1220", "C", "2"},
+    Registra({"00003", "22/01/2024", "FTV", "1", "01", 3, 0, "1220", "C", "2"},
              {{"D", "0501004", "1220", "C"}, {"A", "7001007", "1000"}}, {{"A", "1401001", "S22", "1000", "220"}});
-    Registra({"00004", "25/01/2024", "FTA", "2", 77, 1, "1062", "F", "1"},
+    Registra({"00004", "25/01/2024", "FTA", "2", "01", 77, 1, "1062", "F", "1"},
              {{"D", "6001001", "900"}, {"A", "1301001", "1062", "F"}},
              {{"D", "0601001", "022", "600", "132"}, {"D", "0601001", "010", "300", "30"}});
-    Registra({"00005", "10/02/2024", "FTV", "1", 4, 0, "122", "C", "1"},
+    Registra({"00005", "10/02/2024", "FTV", "1", "01", 4, 0, "122", "C", "1"},
              {{"D", "0501001", "122", "C"}, {"A", "7001001", "100"}}, {{"A", "1401001", "022", "100", "22"}});
-    Registra({"00006", "12/02/2024", "FTA", "2", 78, 2, "610", "F", "1"},
+    Registra({"00006", "12/02/2024", "FTA", "2", "01", 78, 2, "610", "F", "1"},
              {{"D", "6001001", "500"}, {"A", "1301001", "610", "F"}}, {{"D", "0601001", "022", "500", "110"}});
-    Registra({"00007", "05/03/2024", "FTV", "1", 5, 0, "110.91", "C", "1"},
+    Registra({"00007", "05/03/2024", "FTV", "1", "01", 5, 0, "110.91", "C", "1"},
              {{"D", "0501001", "110.91", "C"}, {"A", "7001001", "90.91"}}, {{"A", "1401001", "022", "90.91", "20"}});
   }
 
@@ -189,13 +113,6 @@ class ComandoLiquidazioneIva : public AziendaTest {
     return v.IsNull() ? "" : v.Testo().substr(0, 10);
   }
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }
-  // Tables of the database that are no company archive: what a run left behind.
-  std::vector<std::string> TabelleDiLavoro() {
-    std::vector<std::string> v;
-    for (const auto& t : cn->Tabelle())
-      if (LCase(t).rfind("vorn", 0) == 0) v.push_back(t);
-    return v;
-  }
   static Importo I(const char* s) { return *Importo::DaTestoPunto(s); }
 
   clsPrimaNota pn;
@@ -251,7 +168,7 @@ TEST_P(ComandoLiquidazioneIva, RefusedOptionsWriteNothing) {
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Liquidazioni Periodiche]"), 0);
   EXPECT_TRUE(CodIvaPerPrec().Zero());
   EXPECT_EQ(UltimaLiquidazione(), "");
-  EXPECT_EQ(TabelleDiLavoro(), std::vector<std::string>{});
+  EXPECT_EQ(TabelleDiLavoro(*cn), std::vector<std::string>{});
 
   // The usage tells every option, and that a simulation opens the company for writing too.
   std::ostringstream aiuto;
@@ -309,7 +226,7 @@ TEST_P(ComandoLiquidazioneIva, ASimulationSettlesEachMonthFromTheJournalAndChang
   EXPECT_TRUE(CodIvaPerPrec().Zero());
   EXPECT_EQ(UltimaLiquidazione(), "");
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE SUBSTR([Stringa10indicatori], 1, 1) = 'R'"), 0);
-  EXPECT_EQ(TabelleDiLavoro(), std::vector<std::string>{});
+  EXPECT_EQ(TabelleDiLavoro(*cn), std::vector<std::string>{});
   r = Liquidazione({"--mese", "1", "--anno", "2024"});
   ASSERT_EQ(r.rc, 0) << r.err;
   EXPECT_EQ(LeggiFile(gennaio), testo);
@@ -352,7 +269,7 @@ TEST_P(ComandoLiquidazioneIva, ADefinitiveSettlementCarriesTheBalanceAndIsNotRep
   const std::string stampa = LeggiFile(febbraio);
   EXPECT_NE(stampa.find("2024/" + std::to_string(foglio + 1)), std::string::npos) << stampa;
   EXPECT_GT(UltimoFoglio(), foglio);
-  EXPECT_EQ(TabelleDiLavoro(), std::vector<std::string>{});
+  EXPECT_EQ(TabelleDiLavoro(*cn), std::vector<std::string>{});
 
   // March in simulation takes the credit carried: 20,00 - 88,00, a credit of 68,00.
   r = Liquidazione({"--mese", "3", "--anno", "2024"});

@@ -17,52 +17,13 @@
 #include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
+#include "support/DocumentiIva.h"
 
 using namespace vorn;
 using namespace vorn::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-size_t Occorrenze(const std::string& testo, const std::string& cosa) {
-  size_t n = 0;
-  for (size_t p = testo.find(cosa); p != std::string::npos; p = testo.find(cosa, p + 1)) ++n;
-  return n;
-}
-
-// The line of `testo` that holds `cosa`, or empty text.
-std::string RigaCon(const std::string& testo, const std::string& cosa) {
-  size_t p = testo.find(cosa);
-  if (p == std::string::npos) return "";
-  size_t inizio = testo.rfind('\n', p);
-  inizio = inizio == std::string::npos ? 0 : inizio + 1;
-  return testo.substr(inizio, testo.find('\n', p) - inizio);
-}
-
-struct RigaConto {
-  const char* lato;
-  const char* conto;
-  const char* importo;
-  const char* ind = "";  // C or F on the client's or supplier's row
-};
-struct RigaIva {
-  const char* lato;
-  const char* conto;
-  const char* codice;
-  const char* imponibile;
-  const char* imposta;
-};
-struct Documento {
-  const char* numero;  // of the entry
-  const char* data;
-  const char* causale;
-  const char* registroIva;  // TipoRegistroIva
-  const char* numRegistro;  // NumRegistroIva
-  long numeroDocumento;
-  long protocollo;
-  const char* totale;
-  const char* cliFor;  // C or F
-};
 
 class ComandoRegistroIva : public AziendaTest {
  protected:
@@ -80,60 +41,18 @@ class ComandoRegistroIva : public AziendaTest {
     pn.cn = cn;
   }
 
-  void Registra(const Documento& d, const std::vector<RigaConto>& righe, const std::vector<RigaIva>& iva) {
-    RecordValori base{{"DataRegistrazione", Valore(d.data)},
-                      {"NumeroRegistrazione", Valore(d.numero)},
-                      {"DataCompetenza", Valore(d.data)},
-                      {"TipoRegistroIva", Valore(d.registroIva)},
-                      {"NumRegistroIva", Valore(d.numRegistro)},
-                      {"CodiceCausale", Valore(d.causale)},
-                      {"DescrizioneSupplem", Valore("Documento " + std::to_string(d.numeroDocumento))},
-                      {"Stringa10indicatori", Valore(std::string(10, ' '))},
-                      {"Valuta", Valore("06")},
-                      {"Cambio", Valore(1.0)},
-                      {"DataDocumento", Valore(d.data)},
-                      {"NumeroDocumento", Valore(static_cast<long long>(d.numeroDocumento))},
-                      {"SerieDocumento", Valore("")},
-                      {"NumeroDiProtocollo", Valore(static_cast<long long>(d.protocollo))},
-                      {"TotaleDocumento", Valore(*Importo::DaTestoPunto(d.totale))},
-                      {"DataCompetenzaIVA", Valore(d.data)}};
-    bool cancel = false;
-    int n = 0;
-    for (const auto& r : righe) {
-      RecordValori v = base;
-      v["TipoRigaIvaNormale"] = Valore("");
-      v["NumRigaAVideo"] = Valore(Format(Valore(++n), "000"));
-      v["DareAvere"] = Valore(r.lato);
-      v["ContoPrimaNota"] = Valore(r.conto);
-      v["IndClienteFornitore"] = Valore(r.ind);
-      v["CodClienteFornitore"] = Valore(*r.ind ? "1" : "");
-      v["ImportoMovimento"] = Valore(*Importo::DaTestoPunto(r.importo));
-      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
-    }
-    n = 0;
-    for (const auto& r : iva) {
-      RecordValori v = base;
-      v["TipoRigaIvaNormale"] = Valore("I");
-      v["NumRigaAVideo"] = Valore(Format(Valore(++n), "000"));
-      v["DareAvere"] = Valore(r.lato);
-      v["ContoPrimaNota"] = Valore(r.conto);
-      v["ImportoMovimento"] = Valore(*Importo::DaTestoPunto(r.imposta));
-      v["Imponibile"] = Valore(*Importo::DaTestoPunto(r.imponibile));
-      v["CodiceIva"] = Valore(r.codice);
-      v["IndicatoreCliFor"] = Valore(d.cliFor);
-      v["CodiceCliFor"] = Valore("1");
-      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
-    }
+  void Registra(const DocumentoIva& d, const std::vector<RigaContoDoc>& righe, const std::vector<RigaIvaDoc>& iva) {
+    RegistraDocumento(pn, d, righe, iva);
   }
 
   // January: a sale on two rates and a purchase; February: a sale on register 02.
   void Libri() {
-    Registra({"00001", "15/01/2024", "FTV", "1", "01", 1, 0, "1770", "C"},
+    Registra({"00001", "15/01/2024", "FTV", "1", "01", 1, 0, "1770", "C", "1"},
              {{"D", "0501001", "1770", "C"}, {"A", "7001001", "1500"}},
              {{"A", "1401001", "022", "1000", "220"}, {"A", "1401001", "010", "500", "50"}});
-    Registra({"00002", "20/01/2024", "FTA", "2", "01", 77, 1, "244", "F"},
+    Registra({"00002", "20/01/2024", "FTA", "2", "01", 77, 1, "244", "F", "1"},
              {{"D", "6001001", "200"}, {"A", "1301001", "244", "F"}}, {{"D", "0601001", "022", "200", "44"}});
-    Registra({"00003", "10/02/2024", "FTV", "1", "02", 2, 0, "3660", "C"},
+    Registra({"00003", "10/02/2024", "FTV", "1", "02", 2, 0, "3660", "C", "1"},
              {{"D", "0501001", "3660", "C"}, {"A", "7001001", "3000"}}, {{"A", "1401001", "022", "3000", "660"}});
   }
 
@@ -149,13 +68,6 @@ class ComandoRegistroIva : public AziendaTest {
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }
   long RigheSegnate() {
     return Conta("SELECT COUNT(*) FROM [Prima Nota] WHERE SUBSTR([Stringa10indicatori], 1, 1) = 'R'");
-  }
-  // Tables of the database that are no company archive: what a run left behind.
-  std::vector<std::string> TabelleDiLavoro() {
-    std::vector<std::string> v;
-    for (const auto& t : cn->Tabelle())
-      if (LCase(t).rfind("vorn", 0) == 0) v.push_back(t);
-    return v;
   }
 
   clsPrimaNota pn;
@@ -275,7 +187,7 @@ TEST_P(ComandoRegistroIva, ATrialPrintsTheMonthAndLeavesTheBooksAsTheyWere) {
   // A trial marks nothing, adds to no progressive, and takes its work tables away.
   EXPECT_EQ(RigheSegnate(), 0);
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Progressivi Registri Iva]"), 0);
-  EXPECT_EQ(TabelleDiLavoro(), std::vector<std::string>{});
+  EXPECT_EQ(TabelleDiLavoro(*cn), std::vector<std::string>{});
   // The same trial again gives the same file.
   std::string prima = LeggiFile(vendite);
   r = Vorn({"--tipo", "vendite", "--registro", "1", "--mese", "1", "--anno", "2024"});
@@ -319,7 +231,7 @@ TEST_P(ComandoRegistroIva, ADefinitivePrintMarksTheMonthAndTheNextRunFindsNothin
   // The sheets numbered are kept for the next print of the register.
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Numerazione Fogli] WHERE [TipoStampa] = 'R'"), 1);
   EXPECT_GE(Conta("SELECT MAX([Numero]) FROM [Numerazione Fogli] WHERE [TipoStampa] = 'R'"), 1);
-  EXPECT_EQ(TabelleDiLavoro(), std::vector<std::string>{});
+  EXPECT_EQ(TabelleDiLavoro(*cn), std::vector<std::string>{});
 
   // The month again, as a trial: nothing left to print, and the print stays as it was.
   r = Vorn({"--tipo", "vendite", "--registro", "1", "--mese", "1", "--anno", "2024", "--uscita", uscita});

@@ -12,18 +12,13 @@
 #include "Processi.h"
 #include "cli/Comandi.h"
 #include "ledger/PrimaNotaBase.h"
+#include "support/DocumentiIva.h"
 
 using namespace vorn;
 using namespace vorn::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-size_t Occorrenze(const std::string& testo, const std::string& cosa) {
-  size_t n = 0;
-  for (size_t p = testo.find(cosa); p != std::string::npos; p = testo.find(cosa, p + 1)) ++n;
-  return n;
-}
 
 class ComandiStampe : public PrimaNotaBase {
  protected:
