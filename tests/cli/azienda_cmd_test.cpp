@@ -11,6 +11,7 @@
 #include <optional>
 #include <sstream>
 
+#include "ComandoAzienda.h"
 #include "cli/Comandi.h"
 #include "frame/Db.h"
 #include "support/Motori.h"
@@ -20,24 +21,8 @@ using namespace vorn::test;
 
 namespace {
 
-struct Esito {
-  int rc;
-  std::string out, err;
-};
-
-Esito Vorn(std::vector<std::string> argv) {
-  std::ostringstream out;
-  std::FILE* err = std::tmpfile();
-  int rc = cli::Esegui(argv, out, err);
-  std::fflush(err);
-  std::rewind(err);
-  std::string e;
-  char b[512];
-  size_t n;
-  while ((n = std::fread(b, 1, sizeof b, err)) > 0) e.append(b, n);
-  std::fclose(err);
-  return {rc, out.str(), e};
-}
+using Esito = EsitoComando;
+Esito Vorn(const std::vector<std::string>& argv) { return EseguiVorn(argv); }
 
 size_t Righe(const std::string& s) { return static_cast<size_t>(std::count(s.begin(), s.end(), '\n')); }
 

@@ -25,22 +25,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Esito {
-  int rc;
-  std::string out, err;
-};
-
-Esito Vorn(const std::vector<std::string>& argomenti) {
-  std::ostringstream o;
-  std::FILE* e = std::tmpfile();
-  Esito r{cli::Esegui(argomenti, o, e), o.str(), ""};
-  std::rewind(e);
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) r.err.append(buf, n);
-  std::fclose(e);
-  return r;
-}
+using Esito = EsitoComando;
+Esito Vorn(const std::vector<std::string>& argomenti) { return EseguiVorn(argomenti); }
 
 size_t Righe(const std::string& t) {
   size_t n = 0;
