@@ -246,10 +246,6 @@ TEST_P(ClientiFornitori, GettersAndTheirDefaults) {
 
   EXPECT_TRUE(cf.ExistClienteFornitore("F", "F1", Valore("4001001")));
   EXPECT_FALSE(cf.ExistClienteFornitore("F", "F1", Valore("4001002")));
-  EXPECT_EQ(cf.GetSottocontoCliFor("F", "F1").Testo(), "4001001");
-  EXPECT_EQ(cf.GetIBANCliFor("F", "F1").Testo(), "IT60X");
-  EXPECT_EQ(cf.GetNazioneCliFor("F", "F1").Testo(), "086");
-  EXPECT_EQ(cf.GetLocalitàCliFor("F", "F1").Testo(), "Torino");
   EXPECT_DOUBLE_EQ(cf.GetFidoCliFor("F", "F1"), 1500.5);
   EXPECT_DOUBLE_EQ(cf.GetFidoCliFor("F", "F9"), 0.0);
   EXPECT_EQ(cf.GetBancaCliFor("F", "F9").Testo(), "");

@@ -326,9 +326,6 @@ TEST_P(Famiglia, CountriesAndShippingCodes) {
   n.cn = cn;
   bool cancel;
   ASSERT_TRUE(n.SalvaRecord("086", "Italia", "IT", "086", 1, false, "pc1", 1, cancel));
-  EXPECT_EQ(n.GetDescrizioneNazione("086").Testo(), "Italia");
-  EXPECT_EQ(n.GetCodiceIsoNazione("086").Testo(), "IT");
-  EXPECT_EQ(n.GetCodiceUICNazione("086").Testo(), "086");
   EXPECT_EQ(n.GetAreaNazione("086"), 1);
   EXPECT_EQ(n.GetAreaNazione("999"), 0);
 

@@ -167,8 +167,6 @@ TEST_P(PagamentiBanche, BankAndAgencyGetters) {
   ASSERT_TRUE(
       banche.SalvaRecord("01", "020", "Uno - Milano", "03069", "01600", "BCITITMMXXX", "", "", "pc1", 1, cancel));
   EXPECT_EQ(banche.GetDescrizioneAgenzia("01", "020").Testo(), "Uno - Milano");
-  EXPECT_EQ(banche.GetAbiBanca("01").Testo(), "03069");
-  EXPECT_EQ(banche.GetCabBanca("01", "020").Testo(), "01600");
   EXPECT_EQ(banche.GetBICBanca("01", "").Testo() + "/" + banche.GetBICBanca("01", "020").Testo(),
             "BCITITMM/BCITITMMXXX");
   // A blank agency is none and says nothing; an unknown one is told under the list's title.
