@@ -36,6 +36,14 @@ inline std::vector<std::string> RigaComando(const std::string& cartella, const s
   for (auto& s : ArgomentiAzienda(postgres, file, pg)) a.push_back(std::move(s));
   return a;
 }
+// The same, followed by the command's own options.
+inline std::vector<std::string> RigaComando(const std::string& cartella, const std::string& comando, bool postgres,
+                                            const std::string& file, const ParametriPostgres& pg,
+                                            const std::vector<std::string>& opzioni) {
+  std::vector<std::string> a = RigaComando(cartella, comando, postgres, file, pg);
+  a.insert(a.end(), opzioni.begin(), opzioni.end());
+  return a;
+}
 
 // What a run of vorn gave: its exit code, what it printed and its messages.
 struct EsitoComando {

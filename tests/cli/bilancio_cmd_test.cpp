@@ -39,14 +39,9 @@ class ComandoBilancio : public AziendaTest {
                     Valore(*Importo::DaTestoPunto(importo))});
   }
   int Esegui(const std::vector<std::string>& opzioni, std::string& out) {
-    auto argv = RigaComando(dir->Percorso(), "bilancio", Pg(), file, pg);
-    argv.insert(argv.end(), opzioni.begin(), opzioni.end());
-    std::ostringstream o;
-    std::FILE* err = std::tmpfile();
-    int rc = cli::Esegui(argv, o, err);
-    std::fclose(err);
-    out = o.str();
-    return rc;
+    EsitoComando r = EseguiVorn(RigaComando(dir->Percorso(), "bilancio", Pg(), file, pg, opzioni));
+    out = r.out;
+    return r.rc;
   }
 };
 

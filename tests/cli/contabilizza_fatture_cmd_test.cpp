@@ -51,20 +51,9 @@ class ComandoContabilizzaFatture : public AziendaTest {
   }
 
   std::pair<int, std::string> Vorn(const std::vector<std::string>& resto, std::string* err = nullptr) {
-    std::vector<std::string> a = {"--cartella", dir->Percorso(), "contabilizza-fatture"};
-    for (auto& s : ArgomentiAzienda(Pg(), file, pg)) a.push_back(s);
-    a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    int rc = cli::Esegui(a, o, e);
-    if (err) {
-      std::rewind(e);
-      char buf[4096];
-      size_t n;
-      while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) err->append(buf, n);
-    }
-    std::fclose(e);
-    return {rc, o.str()};
+    EsitoComando r = EseguiVorn(RigaComando(dir->Percorso(), "contabilizza-fatture", Pg(), file, pg, resto));
+    if (err) *err += r.err;
+    return {r.rc, r.out};
   }
 };
 

@@ -55,9 +55,7 @@ class ComandoLibroGiornale : public AziendaTest {
 
   using Esito = EsitoComando;
   Esito Vorn(const std::vector<std::string>& resto) {
-    std::vector<std::string> a = RigaComando(app, "libro-giornale", Pg(), file, pg);
-    a.insert(a.end(), resto.begin(), resto.end());
-    return EseguiVorn(a);
+    return EseguiVorn(RigaComando(app, "libro-giornale", Pg(), file, pg, resto));
   }
 
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }

@@ -87,9 +87,7 @@ class ComandoLiquidazioneIva : public AziendaTest {
 
   using Esito = EsitoComando;
   Esito Vorn(const std::string& comando, const std::vector<std::string>& resto) {
-    std::vector<std::string> a = RigaComando(app, comando, Pg(), file, pg);
-    a.insert(a.end(), resto.begin(), resto.end());
-    return EseguiVorn(a);
+    return EseguiVorn(RigaComando(app, comando, Pg(), file, pg, resto));
   }
   Esito Liquidazione(const std::vector<std::string>& resto) { return Vorn("liquidazione-iva", resto); }
   // Both registers of the month printed definitively, their sheets numbered.

@@ -35,14 +35,8 @@ class ComandoProgressiviIva : public AziendaTest {
 
   // vorn progressivi-iva on the test's company, then `resto`: the exit code and what it printed.
   std::pair<int, std::string> Vorn(const std::vector<std::string>& resto) {
-    std::vector<std::string> a = {"--cartella", dir->Percorso(), "progressivi-iva"};
-    for (auto& s : ArgomentiAzienda(Pg(), file, pg)) a.push_back(s);
-    a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    int rc = cli::Esegui(a, o, e);
-    std::fclose(e);
-    return {rc, o.str()};
+    EsitoComando r = EseguiVorn(RigaComando(dir->Percorso(), "progressivi-iva", Pg(), file, pg, resto));
+    return {r.rc, r.out};
   }
 
   clsProgressiviIva p;

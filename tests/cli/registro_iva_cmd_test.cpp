@@ -59,10 +59,7 @@ class ComandoRegistroIva : public AziendaTest {
   using Esito = EsitoComando;
   // vorn registro-iva with the application folder, the company, then `resto`.
   Esito Vorn(const std::vector<std::string>& resto) {
-    std::vector<std::string> a = {"--cartella", app, "registro-iva"};
-    for (auto& s : ArgomentiAzienda(Pg(), file, pg)) a.push_back(s);
-    a.insert(a.end(), resto.begin(), resto.end());
-    return EseguiVorn(a);
+    return EseguiVorn(RigaComando(app, "registro-iva", Pg(), file, pg, resto));
   }
 
   long Conta(const std::string& sql) { return static_cast<long>(NullToZeroLng(cn->Scalare(sql))); }

@@ -29,14 +29,8 @@ class ComandoScadenze : public AziendaTest {
   }
 
   std::pair<int, std::string> Vorn(const std::string& comando, const std::vector<std::string>& resto) {
-    std::vector<std::string> a = {"--cartella", dir->Percorso(), comando};
-    for (auto& s : ArgomentiAzienda(Pg(), file, pg)) a.push_back(s);
-    a.insert(a.end(), resto.begin(), resto.end());
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    int rc = cli::Esegui(a, o, e);
-    std::fclose(e);
-    return {rc, o.str()};
+    EsitoComando r = EseguiVorn(RigaComando(dir->Percorso(), comando, Pg(), file, pg, resto));
+    return {r.rc, r.out};
   }
 };
 
