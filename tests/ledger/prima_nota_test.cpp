@@ -527,13 +527,9 @@ TEST_P(PrimaNotaTest, DocumentLookupsNeverFindTheEntryItself) {
   double cambio = 0;
   EXPECT_TRUE(pn.GetDatiIVARegistrazione(Valore("00002"), ind, cod, dataReg, dataIva, caus, reg, protocollo, data, serie,
                                          numero, valuta, cambio));
-  EXPECT_EQ(ind, Valore("F"));
-  EXPECT_EQ(cod, Valore("77"));
-  EXPECT_EQ(caus, Valore("ACQ"));
-  EXPECT_EQ(protocollo, 113);
+  EXPECT_EQ(protocollo, 113);  // of the entry asked for, not of the first one
   EXPECT_EQ(numero, 13);
   EXPECT_EQ(data, Valore(*Data::Crea(2024, 1, 10)));
-  EXPECT_DOUBLE_EQ(cambio, 1.0);
   Salva(Riga("00004", "", "001", "D", "1201001", "1"));
   EXPECT_FALSE(pn.GetDatiIVARegistrazione(Valore("00004"), ind, cod, dataReg, dataIva, caus, reg, protocollo, data,
                                           serie, numero, valuta, cambio));
