@@ -51,11 +51,9 @@ class ComandiCausaliIva : public AziendaTest {
 
   // The whole command on the test's company (its SQLite file or its PostgreSQL schema).
   std::string Esegui(const std::string& comando) {
-    std::ostringstream out;
-    std::FILE* err = std::tmpfile();
-    EXPECT_EQ(cli::Esegui(RigaComando(dir->Percorso(), comando, Pg(), file, pg), out, err), 0) << comando;
-    std::fclose(err);
-    return out.str();
+    EsitoComando r = EseguiVorn(RigaComando(dir->Percorso(), comando, Pg(), file, pg));
+    EXPECT_EQ(r.rc, 0) << comando << ": " << r.err;
+    return r.out;
   }
 
   clsCausaliContabili causali;
