@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "frame/Db.h"
 #include "frame/Globali.h"
@@ -24,6 +25,27 @@ inline double Secondi(Orologio::time_point da) { return std::chrono::duration<do
 inline std::string Env(const char* k) {
   const char* v = std::getenv(k);
   return v ? v : "";
+}
+
+// The value of the option at argv[i], moving i on to it; a missing value ends the run (exit 2).
+inline std::string ValoreOpzione(int argc, char** argv, int& i) {
+  if (i + 1 >= argc) {
+    std::fprintf(stderr, "manca il valore di %s\n", argv[i]);
+    std::exit(2);
+  }
+  return argv[++i];
+}
+
+// The engines that --motore names ("sqlite", "postgres" or "entrambi"), in this order: false
+// for SQLite, true for PostgreSQL, which is left out, saying so, when VORN_PG_HOST is not set.
+inline std::vector<bool> Motori(const std::string& motore) {
+  std::vector<bool> v;
+  if (motore == "sqlite" || motore == "entrambi") v.push_back(false);
+  if (motore == "postgres" || motore == "entrambi") {
+    if (Env("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
+    else v.push_back(true);
+  }
+  return v;
 }
 
 class AziendaBench {

@@ -190,12 +190,7 @@ int BenchElaboraFatture(int argc, char** argv) {
     std::fprintf(stderr, "--documenti vuole un numero positivo\n");
     return 2;
   }
-  std::vector<bool> motori;
-  if (motore == "sqlite" || motore == "entrambi") motori.push_back(false);
-  if (motore == "postgres" || motore == "entrambi") {
-    if (bench::Env("VORN_PG_HOST").empty()) std::fprintf(stderr, "VORN_PG_HOST non impostato: PostgreSQL saltato\n");
-    else motori.push_back(true);
-  }
+  const std::vector<bool> motori = bench::Motori(motore);
   HostSilenzioso host;
   ImpostaHost(&host);
   int esito = 0;

@@ -197,13 +197,7 @@ int BenchMastrini(int argc, char** argv) {
   std::string motore = "entrambi";
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto valore = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::fprintf(stderr, "manca il valore di %s\n", a.c_str());
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto valore = [&] { return bench::ValoreOpzione(argc, argv, i); };
     if (a == "--righe") righe = std::atol(valore().c_str());
     else if (a == "--righe-conto") righeConto = std::atol(valore().c_str());
     else if (a == "--motore") motore = valore();
@@ -223,11 +217,7 @@ int BenchMastrini(int argc, char** argv) {
   }
   int rc = 0;
   try {
-    if (motore == "sqlite" || motore == "entrambi") rc |= Esegui(false, righe, righeConto, ripetizioni);
-    if (motore == "postgres" || motore == "entrambi") {
-      if (bench::Env("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
-      else rc |= Esegui(true, righe, righeConto, ripetizioni);
-    }
+    for (bool pg : bench::Motori(motore)) rc |= Esegui(pg, righe, righeConto, ripetizioni);
   } catch (const ErroreDb& e) {
     std::fprintf(stderr, "errore del database %ld: %s\n", e.Numero(), e.Descrizione().c_str());
     return 1;

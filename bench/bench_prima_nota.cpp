@@ -282,13 +282,7 @@ int main(int argc, char** argv) {
   std::string transazioni = "unica";
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto valore = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::fprintf(stderr, "manca il valore di %s\n", a.c_str());
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto valore = [&] { return bench::ValoreOpzione(argc, argv, i); };
     if (a == "--righe") righe = std::atoi(valore().c_str());
     else if (a == "--motore") motore = valore();
     else if (a == "--ricostruzione") ricostruzione = std::atol(valore().c_str());
@@ -304,12 +298,7 @@ int main(int argc, char** argv) {
   }
   HostSilenzioso host;
   ImpostaHost(&host);
-  std::vector<bool> motori;
-  if (motore == "sqlite" || motore == "entrambi") motori.push_back(false);
-  if (motore == "postgres" || motore == "entrambi") {
-    if (Env("VORN_PG_HOST").empty()) std::fprintf(stderr, "VORN_PG_HOST non impostato: PostgreSQL saltato\n");
-    else motori.push_back(true);
-  }
+  const std::vector<bool> motori = bench::Motori(motore);
   try {
     for (bool pg : motori) {
       if (righe > 0 && transazioni != "registrazione") Registrazione(pg, righe, true);

@@ -275,13 +275,7 @@ int BenchRegistriIva(int argc, char** argv) {
   std::string motore = "entrambi", cache;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto valore = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::fprintf(stderr, "manca il valore di %s\n", a.c_str());
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto valore = [&] { return bench::ValoreOpzione(argc, argv, i); };
     if (a == "--registrazioni") o.registrazioni = std::atol(valore().c_str());
     else if (a == "--seme") o.seme = static_cast<uint64_t>(std::atol(valore().c_str()));
     else if (a == "--motore") motore = valore();
@@ -309,11 +303,7 @@ int BenchRegistriIva(int argc, char** argv) {
     ImpostaHost(&host);
     std::string sorgente = AziendaSorgente(cache.empty() ? lavoro : cache, o);
     ImpostaHost(nullptr);
-    if (motore == "sqlite" || motore == "entrambi") rc |= Esegui(false, sorgente, o.anno);
-    if (motore == "postgres" || motore == "entrambi") {
-      if (bench::Env("VORN_PG_HOST").empty()) std::printf("postgres saltato: VORN_PG_HOST non impostato\n");
-      else rc |= Esegui(true, sorgente, o.anno);
-    }
+    for (bool pg : bench::Motori(motore)) rc |= Esegui(pg, sorgente, o.anno);
   } catch (const ErroreDb& e) {
     std::fprintf(stderr, "errore del database %ld: %s\n", e.Numero(), e.Descrizione().c_str());
     rc = 1;
