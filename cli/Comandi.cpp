@@ -312,7 +312,11 @@ int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* e
 }
 
 void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, Allinea>>& testata,
-                   const std::vector<std::vector<std::string>>& righe) {
+                   const std::vector<std::vector<std::string>>& righe, const char* seVuota) {
+  if (righe.empty() && seVuota) {
+    out << seVuota << "\n";
+    return;
+  }
   std::vector<size_t> larghezza;
   for (const auto& [t, _] : testata) larghezza.push_back(LunghezzaTesto(t));
   for (const auto& r : righe)

@@ -95,10 +95,11 @@ int RighePagina(Argomenti& a, int predefinite, int minimo);
 int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo);
 
 // A plain table on the terminal: every column as wide as its widest cell, one blank between
-// columns, the last without trailing blanks.
+// columns, the last without trailing blanks. Without rows, the line `seVuota` when given
+// instead of an empty table.
 enum class Allinea { Sinistra, Destra };
 void ScriviTabella(std::ostream& out, const std::vector<std::pair<std::string, Allinea>>& testata,
-                   const std::vector<std::vector<std::string>>& righe);
+                   const std::vector<std::vector<std::string>>& righe, const char* seVuota = nullptr);
 
 // Runs vorn with the given arguments (argv without the program name).
 int Esegui(const std::vector<std::string>& argv, std::ostream& out, std::FILE* err = stderr);

@@ -36,10 +36,6 @@ int Pagamenti(Contesto& ctx) {
                          std::to_string(std::max<int32_t>(1, NullToZeroLng(v[3]))), Testo(v[4]), giorni, Testo(v[12])});
         return true;
       });
-  if (righe.empty()) {
-    ctx.out << "Nessun pagamento.\n";
-    return 0;
-  }
   ScriviTabella(ctx.out,
                 {{"Codice", Allinea::Sinistra},
                  {"Descrizione", Allinea::Sinistra},
@@ -48,7 +44,7 @@ int Pagamenti(Contesto& ctx) {
                  {"Inizio", Allinea::Sinistra},
                  {"Giorni", Allinea::Sinistra},
                  {"Prima rata", Allinea::Sinistra}},
-                righe);
+                righe, "Nessun pagamento.");
   return 0;
 }
 
@@ -66,10 +62,6 @@ int Banche(Contesto& ctx) {
                                       FormattaConto(v[6])});
                      return true;
                    });
-    if (righe.empty()) {
-      ctx.out << "Nessuna banca dell'azienda.\n";
-      return 0;
-    }
     ScriviTabella(ctx.out,
                   {{"Banca", Allinea::Sinistra},
                    {"Agenzia", Allinea::Sinistra},
@@ -78,7 +70,7 @@ int Banche(Contesto& ctx) {
                    {"CAB", Allinea::Sinistra},
                    {"IBAN", Allinea::Sinistra},
                    {"Sottoconto", Allinea::Sinistra}},
-                  righe);
+                  righe, "Nessuna banca dell'azienda.");
     return 0;
   }
   // A bank, then its agencies indented under it.
@@ -90,10 +82,6 @@ int Banche(Contesto& ctx) {
                                     Testo(v[4]), Testo(v[5])});
                    return true;
                  });
-  if (righe.empty()) {
-    ctx.out << "Nessuna banca.\n";
-    return 0;
-  }
   ScriviTabella(ctx.out,
                 {{"Banca", Allinea::Sinistra},
                  {"Agenzia", Allinea::Sinistra},
@@ -101,7 +89,7 @@ int Banche(Contesto& ctx) {
                  {"ABI", Allinea::Sinistra},
                  {"CAB", Allinea::Sinistra},
                  {"BIC", Allinea::Sinistra}},
-                righe);
+                righe, "Nessuna banca.");
   return 0;
 }
 

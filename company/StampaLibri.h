@@ -9,10 +9,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
+#include "frame/Data.h"
+#include "frame/Db.h"
 #include "frame/FileVorn.h"
 #include "frame/Importo.h"
 #include "frame/Valore.h"
@@ -50,6 +53,13 @@ inline void Accoda(std::string& riga, std::string_view s, int n, bool destra = f
   riga.append(s);
   if (!destra) riga.append(w - s.size(), ' ');
 }
+// The first and the last day of a book's month; a month or a year that gives no date is refused.
+inline std::pair<Data, Data> MeseDelLibro(int anno, int mese) {
+  auto d = mese >= 1 && mese <= 12 ? Data::Crea(anno, mese, 1) : std::nullopt;
+  if (!d) throw ErroreDb(3265, "Periodo non valido: mese " + std::to_string(mese) + " anno " + std::to_string(anno));
+  return {*d, d->AggiungiMesi(1).AggiungiGiorni(-1)};
+}
+
 inline std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
 // A column's amount; nothing for a null one.
 inline std::string Cifra(const Valore& v) { return v.IsNull() || v.IsEmpty() ? "" : Cifra(Imp(v)); }

@@ -315,26 +315,27 @@ int32_t clsProgAzienda::PrendiNumeroRegistrazione() {
   return PrendiNumero(*cn, c);
 }
 
-int32_t clsProgAzienda::PrendiProgressivoScadenze() {
+namespace {
+// A counter of the due-date book: its row by the fixed indicator, never below the highest
+// number of the book's column that it numbers.
+Contatore ContatoreScadenziario(const char* colonna, const char* indicatore, const char* colonnaScadenziario) {
   Contatore c;
   c.tabella = kScadenze;
-  c.colonna = "Progressivo";
+  c.colonna = colonna;
   c.where = "[IndicatoreFisso] = ?";
-  c.parametri = {Valore("SCA")};
-  c.nuovaRiga = {{"IndicatoreFisso", Valore("SCA")}};
-  c.sqlMassimo = "SELECT MAX([Numero Progressivo]) FROM [Scadenziario]";
-  return PrendiNumero(*cn, c);
+  c.parametri = {Valore(indicatore)};
+  c.nuovaRiga = {{"IndicatoreFisso", Valore(indicatore)}};
+  c.sqlMassimo = std::string("SELECT MAX([") + colonnaScadenziario + "]) FROM [Scadenziario]";
+  return c;
+}
+}  // namespace
+
+int32_t clsProgAzienda::PrendiProgressivoScadenze() {
+  return PrendiNumero(*cn, ContatoreScadenziario("Progressivo", "SCA", "Numero Progressivo"));
 }
 
 int32_t clsProgAzienda::PrendiProgressivoDocumenti() {
-  Contatore c;
-  c.tabella = kScadenze;
-  c.colonna = "ProgressivoPartite";
-  c.where = "[IndicatoreFisso] = ?";
-  c.parametri = {Valore("DOC")};
-  c.nuovaRiga = {{"IndicatoreFisso", Valore("DOC")}};
-  c.sqlMassimo = "SELECT MAX([Progressivo Documento]) FROM [Scadenziario]";
-  return PrendiNumero(*cn, c);
+  return PrendiNumero(*cn, ContatoreScadenziario("ProgressivoPartite", "DOC", "Progressivo Documento"));
 }
 
 }  // namespace vorn

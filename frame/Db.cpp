@@ -530,19 +530,24 @@ Recordset Connessione::Execute(std::string_view sql, const Parametri& p) {
   return Recordset::DaDati(EseguiInterno(Traduci(sql), n.empty() ? p : n, true).dati);
 }
 
-int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) {
+namespace {
+// Transactions go through BeginTrans, CommitTrans and RollbackTrans, never as statements.
+void RifiutaControlloTransazione(std::string_view sql) {
   if (ControlloTransazione(sql))
     throw ErroreDb(3246, "Le transazioni si aprono e si chiudono con BeginTrans, CommitTrans e RollbackTrans: " +
                              std::string(sql.substr(0, 40)));
+}
+}  // namespace
+
+int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) {
+  RifiutaControlloTransazione(sql);
   PrimaDi(sql);
   Parametri n = Normalizza(p);
   return EseguiInterno(Traduci(sql), n.empty() ? p : n, false).righe;
 }
 
 void Connessione::EseguiInCoda(std::string_view sql, const Parametri& p) {
-  if (ControlloTransazione(sql))
-    throw ErroreDb(3246, "Le transazioni si aprono e si chiudono con BeginTrans, CommitTrans e RollbackTrans: " +
-                             std::string(sql.substr(0, 40)));
+  RifiutaControlloTransazione(sql);
   PrimaDi(sql);
   Parametri n = Normalizza(p);
   std::string testo = Traduci(sql);

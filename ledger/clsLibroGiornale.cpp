@@ -177,14 +177,10 @@ bool clsLibroGiornale::StampaLibroGiornale(const ArgomentiLibroGiornale& a) {
   esito_ = {};
   const std::shared_ptr<Connessione>& conn = cn;
   Connessione& db = *cn;
-  auto inizio = Data::Crea(a.avar_Anno, a.avar_Mese, 1);
-  if (!inizio || a.avar_Mese < 1 || a.avar_Mese > 12)
-    throw ErroreDb(3265, "Periodo non valido: mese " + std::to_string(a.avar_Mese) + " anno " +
-                             std::to_string(a.avar_Anno));
   if (a.avar_RighePagina < kMinimoRighePagina)
     throw ErroreStampa("Righe per pagina troppo poche: " + std::to_string(a.avar_RighePagina) + " (almeno " +
                        std::to_string(kMinimoRighePagina) + ")");
-  const Data da = *inizio, al = da.AggiungiMesi(1).AggiungiGiorni(-1);
+  const auto [da, al] = MeseDelLibro(a.avar_Anno, a.avar_Mese);
   const bool bollato = Trim(a.avar_ProvaBollato) == "B";
 
   std::unique_ptr<clsAnagraficaAzienda> pAnag;

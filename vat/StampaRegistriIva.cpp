@@ -176,11 +176,7 @@ bool clsRegistriIva::Stampa(const std::string& tipo, const ArgomentiRegistroIva&
   const Forma f = FormaDi(tipo, a.str_IndIVAAutotrasportatori);
   const std::shared_ptr<Connessione>& conn = cn;
   Connessione& db = *cn;
-  auto inizio = Data::Crea(a.avar_Anno, a.avar_Mese, 1);
-  if (!inizio || a.avar_Mese < 1 || a.avar_Mese > 12)
-    throw ErroreDb(3265, "Periodo non valido: mese " + std::to_string(a.avar_Mese) + " anno " +
-                             std::to_string(a.avar_Anno));
-  const Data da = *inizio, al = da.AggiungiMesi(1).AggiungiGiorni(-1);
+  const auto [da, al] = MeseDelLibro(a.avar_Anno, a.avar_Mese);
   const bool bollato = Trim(a.avar_ProvaBollato) == "B";
   const std::string pref = a.avar_PrefissoTabelleTmp;
   const std::string registro = T(a.avar_NumeroRegistro);
