@@ -127,12 +127,7 @@ bool clsElaboraFatture::ScriviRecordPrimaNota(
   // company's decimals. The currency amounts: rounded to the currency's decimals.
   const int64_t cambio = CambioMilionesimi(CambioTmp);
   const int decConto = G().DecimaliImporti;
-  int decValuta = decConto;
-  std::string valuta = T(ValutaTmp);
-  if (!valuta.empty() && valuta != G().ValutaDiConto) {
-    Valore d = cn->Scalare("SELECT [Numero decimali valuta] FROM [Valute] WHERE [Codice Valuta] = ?", {Valore(valuta)});
-    decValuta = d.IsNull() ? decConto : NullToZeroLng(d);
-  }
+  const int decValuta = DecimaliValutaDocumento(T(ValutaTmp));
   auto inConto = [&](Importo x) {
     return ArrotondaRapporto(static_cast<Int128>(x.Raw()) * 1000000, static_cast<Int128>(cambio), decConto);
   };
@@ -499,6 +494,19 @@ struct Messaggio {
 
 }  // namespace
 
+int clsElaboraFatture::DecimaliValutaDocumento(const std::string& valuta) {
+  const int conto = G().DecimaliImporti;
+  if (valuta.empty() || valuta == G().ValutaDiConto) return conto;
+  if (cache_) {
+    auto it = cache_->decimaliValute.find(valuta);
+    if (it != cache_->decimaliValute.end()) return it->second;
+  }
+  Valore d = cn->Scalare("SELECT [Numero decimali valuta] FROM [Valute] WHERE [Codice Valuta] = ?", {Valore(valuta)});
+  const int decimali = d.IsNull() ? conto : static_cast<int>(NullToZeroLng(d));
+  if (cache_) cache_->decimaliValute.emplace(valuta, decimali);
+  return decimali;
+}
+
 bool clsElaboraFatture::EsisteContoCorsa(clsPrimaNota& pn, const std::string& conto) {
   auto it = cache_->conti.find(conto);
   if (it != cache_->conti.end()) return it->second;
@@ -687,11 +695,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         const Valore ragione = Valore(T(campo("Ragione Sociale")));
         const Importo totale = NullToZeroCy(campo("Totale Documento"));
         const Valore numDoc = Valore(static_cast<long long>(NullToZeroLng(numero)));
-        int decimali = G().DecimaliImporti;
-        if (!T(valuta).empty() && T(valuta) != G().ValutaDiConto) {
-          Valore d = c.Scalare("SELECT [Numero decimali valuta] FROM [Valute] WHERE [Codice Valuta] = ?", {valuta});
-          if (!d.IsNull()) decimali = NullToZeroLng(d);
-        }
+        const int decimali = DecimaliValutaDocumento(T(valuta));
 
         // A row of this document's registrations.
         auto scrivi = [&](int32_t reg, const std::string& tipoRiga, int32_t riga, const std::string& lato,

@@ -186,7 +186,8 @@ class clsElaboraFatture {
  private:
   // What a run reads once instead of at every document or row: the causals' operativity and
   // their register data, the clients' accounts, whether an account is in the chart (for the
-  // warnings), the VAT codes of collection expenses and stamps and their rates.
+  // warnings), the currencies' decimals, the VAT codes of collection expenses and stamps and
+  // their rates.
   struct Cache {
     std::map<std::string, std::string> operativita, contiClienti;
     struct Causale {
@@ -195,12 +196,15 @@ class clsElaboraFatture {
     };
     std::map<std::string, Causale> causali;
     std::map<std::string, bool> conti;
+    std::map<std::string, int> decimaliValute;
     bool codiciLetti = false;
     std::string codiceIncasso, codiceArt15;
     std::optional<Importo> aliqIncasso, aliqArt15;
   };
   std::optional<Cache> cache_;
   bool EsisteContoCorsa(clsPrimaNota& pn, const std::string& conto);
+  // The decimals of a document's currency (the company's for its own or none), read once a run.
+  int DecimaliValutaDocumento(const std::string& valuta);
 };
 
 }  // namespace vorn
