@@ -335,7 +335,9 @@ class ConnessionePostgres final : public Connessione {
     coda_.clear();
     if (!sql.empty()) coda.push_back({sql, p});
     // Prepared before the pipeline starts; a cache cleared meanwhile prepares them all again.
+    // Reserved: each Testi's values point into its own strings, which must not move.
     std::vector<Testi> testi;
+    testi.reserve(coda.size());
     std::vector<std::string> nomi;
     for (;;) {
       testi.clear();
