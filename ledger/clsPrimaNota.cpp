@@ -685,14 +685,11 @@ void clsPrimaNota::MovimentaRiga(const MovimentoPrimaNota& m, const std::optiona
   std::string g = MedioTesto(conto, 1, 2), c = MedioTesto(conto, 3, 2), s = MedioTesto(conto, 5, 3);
   if (!EsisteSottocontoCache(g, c, s))
     Avvisa("Sottoconto " + conto + " inesistente.", "Funzione MovimentaSaldiContabili", false);
-  const std::string op = operativita.value_or("");
-  const std::string lato = T(m.DareAvere);
-  Movimenta(ChiaveSaldo{'S', g, c, s}, CalcolaDelta(op, lato, importo));
-  if (CodiceNumericoNonNullo(T(m.CodClienteFornitore))) {
-    std::string ind = T(m.IndClienteFornitore);
-    if (ind == "C" || ind == "F")
-      Movimenta(ChiaveSaldo{ind[0], T(m.CodClienteFornitore), {}, {}}, CalcolaDelta(op, lato, importo));
-  }
+  const Valore op(operativita.value_or("")), valore(importo);
+  MovimentaSaldiSottoconti(Valore(g), Valore(c), Valore(s), m.DareAvere, valore, op);
+  if (CodiceNumericoNonNullo(T(m.CodClienteFornitore)))
+    MovimentaSaldiClientiFornitori(m.ContoPrimaNota, m.IndClienteFornitore, m.CodClienteFornitore, m.DareAvere,
+                                   valore, op);
 }
 
 void clsPrimaNota::MovimentaRecordContabile(const MovimentoPrimaNota& m, bool Storno) {
