@@ -12,7 +12,6 @@
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
-#include "interchange/ModelloStandard.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsPrimaNota.h"
 #include "receivables/clsElaboraFatture.h"
@@ -23,13 +22,11 @@ using namespace vorn::test;
 
 namespace {
 
-class ComandoContabilizzaFatture : public AziendaTest {
+class ComandoContabilizzaFatture : public AziendaStandardTest {
  protected:
   void SetUp() override {
-    AziendaTest::SetUp();
+    AziendaStandardTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
-    CaricaModello(*cn, "standard");
-    G().DecimaliImporti = 2;
     cn->Esegui("INSERT INTO [Anagrafica Clienti] ([Codice Cliente], [Ragione Sociale], [SottocontoApparten]) VALUES "
                "('C1', 'Rossi Mario Srl', '0501001')");
     // 200,00 at 22% with 10,00 of transport over Totale Righe 200,00: the transport all on the

@@ -11,7 +11,6 @@
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Globali.h"
-#include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
 
@@ -21,13 +20,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class ComandoLibroGiornale : public AziendaTest {
+class ComandoLibroGiornale : public AziendaStandardTest {
  protected:
   void SetUp() override {
-    AziendaTest::SetUp();
+    AziendaStandardTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
-    CaricaModello(*cn, "standard");
-    G().DecimaliImporti = 2;
     app = dir->Percorso() + "/app";
     pn.cn = cn;
     cn->Esegui("UPDATE [Tabella Azienda] SET [Ragione Sociale] = 'Prova Giornale S.r.l.', [Partita IVA] = "

@@ -15,7 +15,6 @@
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Globali.h"
-#include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
 #include "support/DocumentiIva.h"
@@ -26,13 +25,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class ComandoLiquidazioneIva : public AziendaTest {
+class ComandoLiquidazioneIva : public AziendaStandardTest {
  protected:
   void SetUp() override {
-    AziendaTest::SetUp();
+    AziendaStandardTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
-    CaricaModello(*cn, "standard");
-    G().DecimaliImporti = 2;
     app = dir->Percorso() + "/app";
     cn->Esegui("UPDATE [Tabella Azienda] SET [Ragione Sociale] = 'Prova Liquidazioni S.r.l.', [Partita IVA] = "
                "'01234567890'");

@@ -14,7 +14,6 @@
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
 #include "frame/Globali.h"
-#include "interchange/ModelloStandard.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
 #include "support/DocumentiIva.h"
@@ -25,13 +24,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class ComandoRegistroIva : public AziendaTest {
+class ComandoRegistroIva : public AziendaStandardTest {
  protected:
   void SetUp() override {
-    AziendaTest::SetUp();
+    AziendaStandardTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
-    CaricaModello(*cn, "standard");
-    G().DecimaliImporti = 2;
     app = dir->Percorso() + "/app";
     cn->Esegui("UPDATE [Tabella Azienda] SET [Ragione Sociale] = 'Prova Registri S.r.l.', [Partita IVA] = '01234567890'");
     cn->Esegui("INSERT INTO [Anagrafica Clienti] ([Codice Cliente], [Ragione Sociale], [SottocontoApparten]) "

@@ -8,7 +8,6 @@
 
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
-#include "interchange/ModelloStandard.h"
 #include "receivables/FattureEsempio.h"
 #include "support/Azienda.h"
 
@@ -27,14 +26,8 @@ TEST(TestoTabellaIva, CinqueRigheDiTreCampiDa14) {
   EXPECT_EQ(std::string(210, ' '), TestoTabellaIva({}));
 }
 
-class FattureEsempioTest : public AziendaTest {
+class FattureEsempioTest : public AziendaStandardTest {
  protected:
-  void SetUp() override {
-    AziendaTest::SetUp();
-    if (IsSkipped() || HasFatalFailure()) return;
-    CaricaModello(*cn, "standard");
-    G().DecimaliImporti = 2;
-  }
   // VAT in cents from a taxable amount, halves away from zero.
   static Importo Iva(Importo imponibile, int aliquota) {
     return imponibile.Per(aliquota / 100.0).Arrotonda(2);

@@ -10,4 +10,10 @@ class AziendaTest : public DbTest {
   void SetUp() override;
 };
 
+// The same company loaded from the standard model, its amounts with two decimals.
+class AziendaStandardTest : public AziendaTest {
+ protected:
+  void SetUp() override;
+};
+
 }  // namespace vorn::test
