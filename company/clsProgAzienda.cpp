@@ -338,4 +338,28 @@ int32_t clsProgAzienda::PrendiProgressivoDocumenti() {
   return PrendiNumero(*cn, ContatoreScadenziario("ProgressivoPartite", "DOC", "Progressivo Documento"));
 }
 
+int32_t clsProgAzienda::PrendiNumeroDistintaBonifici() {
+  Contatore c = ContatoreScadenziario("Progressivo", "DIB", "Numero Distinta");
+  c.sqlMassimo = "SELECT MAX([Numero Distinta]) FROM [Distinte Bonifici]";
+  return PrendiNumero(*cn, c);
+}
+
+int32_t clsProgAzienda::PrendiNumeroMovimentoCespiti() {
+  ChiaveComposta chiave("Progressivi Numerazione Vorn");
+  chiave.Testo("TipoRegistro", Valore("CES"))
+      .Testo("IndOrdiniImpegni", Valore(""))
+      .Testo("NumeroRegistro", Valore(""))
+      .Testo("Deposito", Valore(""))
+      .Testo("SerieDocumento", Valore(""));
+  FiltroChiave f = chiave.Filtro();
+  Contatore c;
+  c.tabella = "Progressivi Numerazione Vorn";
+  c.colonna = "NumeroUltimoDoc";
+  c.where = f.Where();
+  c.parametri = f.Valori();
+  c.nuovaRiga = chiave.Colonne();
+  c.sqlMassimo = "SELECT MAX([NumeroMovimento]) FROM [CespitiMovimentiTestate]";
+  return PrendiNumero(*cn, c);
+}
+
 }  // namespace vorn

@@ -114,6 +114,13 @@ class clsProgAzienda {
   // The next document number of the due-date book: one above the higher of the 'DOC' row's
   // ProgressivoPartite and the highest [Progressivo Documento] of [Scadenziario], written back.
   int32_t PrendiProgressivoDocumenti();
+  // The next asset movement number: one above the higher of the 'CES' row's NumeroUltimoDoc in
+  // [Progressivi Numerazione Vorn] and the highest [NumeroMovimento] of the asset movements,
+  // written back.
+  int32_t PrendiNumeroMovimentoCespiti();
+  // The next number of a transfer remittance list: one above the higher of the 'DIB' row's
+  // Progressivo and the highest [Numero Distinta] of [Distinte Bonifici], written back.
+  int32_t PrendiNumeroDistintaBonifici();
 
  private:
   bool AggiornaRiga(const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna);

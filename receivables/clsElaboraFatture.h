@@ -41,6 +41,10 @@ class clsSaldaconto;
 class clsScadenze;
 class clsTabRiferimenti;
 class clsCodiciIva;
+class clsBancheAzienda;
+class clsDistinteEffetti;
+class clsDistinteBonifici;
+class clsProgrNumerazione;
 
 // The arguments of a posting run, by name. The objects are optional: a missing one is made by
 // the run on its own connection.
@@ -106,6 +110,76 @@ struct TabellaIvaDocumento {
 // they have no row (every value then empty).
 bool RiferimentiElaboraFatture(clsTabRiferimenti& objTabRiferimenti, ArgomentiElaboraFatture& a);
 
+// The arguments of the effects run (ElaboraEffetti), by name; missing objects are the run's own.
+struct ArgomentiElaboraEffetti {
+  IForm* objFormAttiva = nullptr;
+  clsPrimaNota* objPrimaNota = nullptr;
+  clsCausaliContabili* objCausaliContabili = nullptr;
+  clsClientiFornitori* objClientiFornitori = nullptr;
+  clsBancheAzienda* objBancheAzienda = nullptr;
+  clsDistinteEffetti* objDistinteEffetti = nullptr;
+  clsSaldaconto* objSaldaconto = nullptr;
+  clsScadenze* objScadenze = nullptr;
+  Valore avar_DaData, avar_AData;     // the documents' dates of the instalments, both ends included
+  Valore avar_DataContabilizzazione;  // the registration date unless bool_ContabilizzaDataFattura
+  Valore avar_ClientiStandard, avar_FornitoriStandard;
+  Valore CodiceCausale_PresentazioneEffetti, CodiceCausale_EmissioneEffetti;
+  Valore ContoPrimaNota_ContoRicevuteBancarie, ContoPrimaNota_ContoEffettiAttivi, ContoPrimaNota_ContoBanca;
+  Valore ContoPrimaNota_ClientiContoRID, ContoPrimaNota_ClientiContoAvvisi;
+  bool bool_ContabilizzaDataFattura = false;  // registration date = the document's date
+  // Each paper straight to the bank of its list (only the instalments presented in a list);
+  // otherwise each paper to its portfolio account, then each issued list of [Distinte] from
+  // the first date on as one presentation entry.
+  bool bool_ContabilizzazioneDiretta = false;
+  Valore clientID;
+  long hWnd = 0;
+};
+
+// The arguments of the till receipts run (ElaboraScontrini).
+struct ArgomentiElaboraScontrini {
+  IForm* objFormAttiva = nullptr;
+  clsProgrNumerazione* objProgrNumerazione = nullptr;
+  clsPrimaNota* objPrimaNota = nullptr;
+  clsCausaliContabili* objCausaliContabili = nullptr;
+  Valore avar_DaData, avar_AData;
+  Valore causale_magazzino_corrispettivi;  // the stock causal of the receipts' movements
+  Valore ContoPrimaNota_ContoCassa, ContoPrimaNota_RicaviStandard, CodiceCausale_CorrispettiviScorporo,
+      ContoPrimaNota_IVA;
+  Valore clientID;
+  long hWnd = 0;
+};
+
+// The arguments of the posting of a transfer remittance list (ContabilizzaDistintaBonifici).
+struct ArgomentiDistintaBonifici {
+  IForm* objFormAttiva = nullptr;
+  clsPrimaNota* objPrimaNota = nullptr;
+  clsCausaliContabili* objCausaliContabili = nullptr;
+  clsClientiFornitori* objClientiFornitori = nullptr;
+  clsBancheAzienda* objBancheAzienda = nullptr;
+  clsDistinteBonifici* objDistinteBonifici = nullptr;
+  clsSaldaconto* objSaldaconto = nullptr;
+  clsScadenze* objScadenze = nullptr;
+  Valore Numero_Distinta;
+  Valore avar_ClientiStandard, avar_FornitoriStandard;
+  Valore CodiceCausale_BonificiFornitori, ContoPrimaNota_ContoBanca, ContoPrimaNota_CommissioniBancarie;
+  Importo commissioniBancarie;  // 0: no commission row
+  Valore clientID;
+  long hWnd = 0;
+};
+
+// What an effects or receipts run did.
+struct EsitoElaborazione {
+  long Registrazioni = 0;  // journal entries created
+  long Scartati = 0;       // instalments, lists or days refused or rolled back
+  std::vector<std::string> Errori;  // unexpected failures, one line each
+};
+
+// The causals and accounts of each run from the company's reference tables; false when they
+// have no row.
+bool RiferimentiElaboraEffetti(clsTabRiferimenti& objTabRiferimenti, ArgomentiElaboraEffetti& a);
+bool RiferimentiElaboraScontrini(clsTabRiferimenti& objTabRiferimenti, ArgomentiElaboraScontrini& a);
+bool RiferimentiDistintaBonifici(clsTabRiferimenti& objTabRiferimenti, ArgomentiDistintaBonifici& a);
+
 class clsElaboraFatture {
  public:
   ConnessioneClasse cn;
@@ -155,6 +229,23 @@ class clsElaboraFatture {
   bool Aggiorna_Campo_Effetto_Contabilizzato(const Valore& Numero_progressivo, bool Stato);
   bool Aggiorna_Campo_Distinta_Contabilizzata(const Valore& Numero_Distinta, bool Stato,
                                               const Valore& numeroRegistrazione, const Valore& DataRegistrazione);
+
+  // The issue of the clients' commercial papers of a range of document dates (bank receipts,
+  // drafts, bank notices, direct debits, in this order), each instalment one registration that
+  // closes it, committed with the instalment's stamp or not at all; then, unless direct, the
+  // presentation of each issued list of [Distinte]. A stamped instalment or list is never
+  // posted again. The summary ends the run.
+  EsitoElaborazione ElaboraEffetti(ArgomentiElaboraEffetti& a);
+  // The till receipts of a range of days from the stock movements of the receipts' causal: one
+  // registration for each day, currency and rate, committed with the movements' stamp.
+  EsitoElaborazione ElaboraScontrini(ArgomentiElaboraScontrini& a);
+  // A transfer remittance list posted as one registration: a row per instalment on its
+  // supplier, the commissions, the bank. The instalments are closed and stamped, and the list
+  // stamped posted with the registration, in the same transaction. The count of journal rows
+  // written, 0 when the list has nothing to post (told to the user) or was posted already.
+  long ContabilizzaDistintaBonifici(ArgomentiDistintaBonifici& a, int32_t& numeroNuovaRegistrazione);
+  // [Flag Elaborato Scontrini] set on the movements of a day and causal still clear; the count.
+  int64_t Aggiorna_Campo_Movimento_Elaborato_Scontrino(const Valore& data, const Valore& causale, bool esito);
 
   // Every [Fatture] row by number and series.
   bool LocalizzaTuttiRecordFatture(Recordset& T);
