@@ -162,7 +162,9 @@ std::string Risolto(const std::string& percorso) {
 
 }  // namespace
 
-void VerificaUscitaStampa(const std::string& percorso) {
+namespace {
+
+void VerificaUscita(const std::string& percorso, const RiconosciFile& nostro, const std::string& cosa) {
   if (Trim(percorso).empty()) throw ErroreStampa("Nome del file di stampa non indicato.");
   struct stat st{};
   if (stat(percorso.c_str(), &st) != 0) {
@@ -176,13 +178,36 @@ void VerificaUscitaStampa(const std::string& percorso) {
   if (S_ISDIR(st.st_mode)) throw ErroreStampa("Il file di stampa " + percorso + " è una cartella.");
   if (S_ISCHR(st.st_mode) || S_ISFIFO(st.st_mode)) return;
   if (!S_ISREG(st.st_mode)) throw ErroreStampa("Il file di stampa " + percorso + " non è un file ordinario.");
-  if (!SembraStampa(percorso))
-    throw ErroreStampa("Il file " + percorso +
-                       " esiste e non è una stampa: non viene sovrascritto. Indicare un altro file di stampa.");
+  if (!nostro) {
+    if (!SembraStampa(percorso))
+      throw ErroreStampa("Il file " + percorso +
+                         " esiste e non è una stampa: non viene sovrascritto. Indicare un altro file di stampa.");
+    return;
+  }
+  if (st.st_size != 0 && !nostro(percorso))
+    throw ErroreStampa("Il file " + percorso + " esiste e non è " + cosa +
+                       ": non viene sovrascritto. Indicare un altro file.");
 }
 
-FileStampa::FileStampa(const std::string& percorso) : percorso_(Risolto(percorso)) {
-  VerificaUscitaStampa(percorso);
+}  // namespace
+
+void VerificaUscitaStampa(const std::string& percorso) { VerificaUscita(percorso, {}, {}); }
+
+void VerificaUscitaFile(const std::string& percorso, const RiconosciFile& nostro, const std::string& cosa) {
+  VerificaUscita(percorso, nostro, cosa);
+}
+
+FileStampa::FileStampa(const std::string& percorso) : percorso_(Risolto(percorso)) { Apri(percorso); }
+
+FileStampa::FileStampa(const std::string& percorso, RiconosciFile nostro, std::string cosa)
+    : percorso_(Risolto(percorso)), nostro_(std::move(nostro)), cosa_(std::move(cosa)) {
+  Apri(percorso);
+}
+
+void FileStampa::Verifica(const std::string& percorso) const { VerificaUscita(percorso, nostro_, cosa_); }
+
+void FileStampa::Apri(const std::string& percorso) {
+  Verifica(percorso);
   struct stat st{};
   bool dispositivo = stat(percorso_.c_str(), &st) == 0 && !S_ISREG(st.st_mode);
   if (dispositivo) {
@@ -241,7 +266,7 @@ void FileStampa::Chiudi() {
   close(fd);
   // What appeared at the destination meanwhile is judged again before it is replaced.
   try {
-    VerificaUscitaStampa(percorso_);
+    Verifica(percorso_);
   } catch (...) {
     unlink(lavoro_.c_str());
     throw;

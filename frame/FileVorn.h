@@ -1,6 +1,7 @@
 // Files and folders of the reports and of the interchange files. Paths use "/".
 #pragma once
 #include <fstream>
+#include <functional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -43,6 +44,11 @@ class ErroreStampa : public std::runtime_error {
 // to a terminal, a pipe or another character device. A folder, a missing folder or an empty
 // name is refused.
 void VerificaUscitaStampa(const std::string& percorso);
+// The same check for a file that is not a paginated report (a fiscal file, its reports): an
+// existing regular file is replaced only when it is empty or `nostro` recognises it as a file of
+// the same kind; `cosa` names the kind in the refusal ("un file telematico").
+using RiconosciFile = std::function<bool(const std::string& percorso)>;
+void VerificaUscitaFile(const std::string& percorso, const RiconosciFile& nostro, const std::string& cosa);
 
 // The final file of a report. A regular file is written under a name of its own beside the
 // destination and takes the destination's name only at Chiudi(), once every byte has been
@@ -52,6 +58,8 @@ void VerificaUscitaStampa(const std::string& percorso);
 class FileStampa {
  public:
   explicit FileStampa(const std::string& percorso);
+  // A file of another kind, under VerificaUscitaFile.
+  FileStampa(const std::string& percorso, RiconosciFile nostro, std::string cosa);
   ~FileStampa();
   FileStampa(const FileStampa&) = delete;
   FileStampa& operator=(const FileStampa&) = delete;
@@ -64,6 +72,10 @@ class FileStampa {
   std::string lavoro_;    // the name written until Chiudi(); empty for a device
   std::ofstream out_;
   bool chiuso_ = false;
+  RiconosciFile nostro_;  // empty: a report
+  std::string cosa_;
+  void Verifica(const std::string& percorso) const;
+  void Apri(const std::string& percorso);
 };
 
 }  // namespace vorn
