@@ -3,6 +3,7 @@
 #include "company/clsProgAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/Data.h"
+#include "frame/Importo.h"
 #include "frame/VornServer.h"
 
 namespace vorn {
@@ -148,6 +149,31 @@ int32_t clsCespitiMovimenti::PrendiNumeroMovimento() {
   clsProgAzienda progressivi;
   progressivi.cn = cn;
   return progressivi.PrendiNumeroMovimentoCespiti();
+}
+
+int32_t clsCespitiMovimenti::RegistraMovimento(const std::string& causale, const Data& data,
+                                               const std::string& codiceCespite, double fisc, double fiscDed,
+                                               double civ, const std::string& descrizione, int decimali,
+                                               const Valore& clientID, long hWnd) {
+  if (NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Causali Cespiti] WHERE [Codice] = ?", {Valore(Trim(causale))})) == 0)
+    throw ErroreDb(3265, "Causale cespiti inesistente: " + causale);
+  if (NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Cespiti] WHERE [CodiceCespite] = ?",
+                                {Valore(Trim(codiceCespite))})) == 0)
+    throw ErroreDb(3265, "Cespite inesistente: " + codiceCespite);
+  auto tondo = [&](double v) { return Valore(Importo::DaDouble(v).Arrotonda(decimali).ToDouble()); };
+  int32_t numero = 0;
+  ConRiprova(*cn, [&] {
+    Atomico unita(*cn);
+    numero = PrendiNumeroMovimento();
+    bool cancel = false;
+    SalvaRecord(Valore(numero), Valore(data), Valore(data), Valore(Trim(causale)), Valore(""), Valore(""),
+                Valore(data.Anno()), Valore(""), Valore(0), Valore(data), Valore(""), Valore(1.0), Valore(data),
+                Valore(""), Valore(""), clientID, hWnd, cancel);
+    SalvaRecordRighe(Valore(numero), Valore(1), Valore(codiceCespite), tondo(fisc), tondo(fiscDed), tondo(civ),
+                     Valore(descrizione), clientID, hWnd, cancel);
+    unita.Conferma();
+  });
+  return numero;
 }
 
 int32_t clsCespitiMovimenti::GetNumeroMovimentoByNumeroReg(const std::string& numeroRegistrazione) {

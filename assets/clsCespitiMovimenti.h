@@ -8,6 +8,7 @@
 #include <string>
 
 #include "frame/ConnessioneClasse.h"
+#include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Valore.h"
 
@@ -42,6 +43,12 @@ class clsCespitiMovimenti {
   int32_t GetMaxDiNumeroMovimento();
   // A new movement number from the company's counter, inside the caller's transaction.
   int32_t PrendiNumeroMovimento();
+  // A movement of one row, all-or-nothing: a new number, the head dated `data` (movement,
+  // competence and document) with the causal and rate 1, and the asset's row with the three
+  // amounts rounded to `decimali`. Throws ErroreDb for an unknown causal or asset.
+  int32_t RegistraMovimento(const std::string& causale, const Data& data, const std::string& codiceCespite,
+                            double fisc, double fiscDed, double civ, const std::string& descrizione, int decimali,
+                            const Valore& clientID = Valore(""), long hWnd = 0);
   // The movement tied to a journal entry; 0 when none.
   int32_t GetNumeroMovimentoByNumeroReg(const std::string& numeroRegistrazione);
   bool AzzeraCespitiMovimentiTestate();
