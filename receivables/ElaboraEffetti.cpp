@@ -246,7 +246,8 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
         if (dataReg.IsNull())
           throw Rifiuto{"Impossibile elaborare l'effetto numero " + np.Testo() +
                         ": data di contabilizzazione non indicata."};
-        const Valore descr = Valore(k.descrizione + DataInTesto(dataScad).Testo());
+        // The due date short, so that the description keeps it whole.
+        const Valore descr = Valore(k.descrizione + DataBreve(DataInTesto(dataScad)).Testo());
         const int32_t n = pn.GetNumeroNuovaRegistrazionePrimaNota();
         ScriviRecordPrimaNota(pn, cau, n, dataReg, "", 1, "A", Valore(cp.conto), Valore(cp.ind), Valore(cp.codice),
                               dataReg, a.CodiceCausale_EmissioneEffetti, descr, importo, Importo(), Valore(""),
