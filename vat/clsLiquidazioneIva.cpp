@@ -11,6 +11,7 @@
 #include "company/clsImportiFissi.h"
 #include "company/clsNumerazioneFogli.h"
 #include "company/clsProgAzienda.h"
+#include "frame/Catalogo.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
 #include "frame/Globali.h"
@@ -46,6 +47,29 @@ std::string Maiuscolo(std::string s) {
 }
 
 std::string Riga(char c, int n) { return std::string(static_cast<size_t>(n), c); }
+
+// The book whose sheets a settlement or an advance numbers: the book of settlements ("L") or a
+// VAT register ("R" with its kind), and its number, "01" for none.
+struct LibroFogli {
+  std::string tipo, registro, numero;
+};
+LibroFogli LibroLiquidazioni(const std::string& TipoRegLiquidazione, const std::string& NumRegLiquidazione) {
+  LibroFogli l{"L", "", Trim(NumRegLiquidazione)};
+  if (l.numero.empty() || NullToZeroLng(Valore(l.numero)) == 0) l.numero = "01";
+  const std::string t = Trim(TipoRegLiquidazione);
+  if (t == "1") l.tipo = "R", l.registro = "V";
+  else if (t == "2") l.tipo = "R", l.registro = "A";
+  else if (t == "3") l.tipo = "R", l.registro = "C";
+  else if (t == "4") l.tipo = "R", l.registro = "E";
+  return l;
+}
+
+// The letter of a payment's kind, 0 to 3.
+std::string LetteraVersamento(const IDatiVersamento* d) {
+  int tipo = d ? d->TipoVersamento() : 0;
+  if (tipo < 0 || tipo > 3) tipo = 0;
+  return std::string(1, "ABCD"[tipo]);
+}
 
 // The registers a settlement takes, by kind.
 struct SezioneRegistro {
@@ -725,16 +749,7 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
   AccodaFile(fileSezPag, filePag);
   std::string finale = filePag;
   long prossimoFoglio = 0, fogliStampati = 0;
-  std::string tipoFoglio = "L", registroFoglio;
-  std::string numRegLiq = Trim(a.NumRegLiquidazione);
-  if (numRegLiq.empty() || NullToZeroLng(Valore(numRegLiq)) == 0) numRegLiq = "01";
-  {
-    const std::string t = Trim(a.TipoRegLiquidazione);
-    if (t == "1") tipoFoglio = "R", registroFoglio = "V";
-    else if (t == "2") tipoFoglio = "R", registroFoglio = "A";
-    else if (t == "3") tipoFoglio = "R", registroFoglio = "C";
-    else if (t == "4") tipoFoglio = "R", registroFoglio = "E";
-  }
+  const auto [tipoFoglio, registroFoglio, numRegLiq] = LibroLiquidazioni(a.TipoRegLiquidazione, a.NumRegLiquidazione);
   if (bollata && a.avar_NumerazionePagine) {
     auto numerati = fogli->NumeraFogli(filePag, fileNum, a.avar_RighePagina, Valore(tipoFoglio), Valore(registroFoglio),
                                        Valore(numRegLiq), a.avar_Anno, a.clientID, a.hWnd);
@@ -760,15 +775,12 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
                                                       a.hWnd);
       progressivi->AzzeraProgressiviIvaPeriodo();
       progressivi->AzzeraProgressiviVentilazionePeriodo();
-      static const char* kTipi = "ABCD";
-      int tipoVers = a.objDatiVersamento ? a.objDatiVersamento->TipoVersamento() : 0;
-      if (tipoVers < 0 || tipoVers > 3) tipoVers = 0;
       RecordValori riga = {
           {"Importo_versato", Valore(saldo)},
           {"CodiceAziendaVersam", Valore(a.objDatiVersamento ? a.objDatiVersamento->CodiceAzienda() : "")},
           {"CodiceDipendenzaVersam", Valore(a.objDatiVersamento ? a.objDatiVersamento->CodiceDipendenzaVersam() : "")},
           {"DataVersamento", a.objDatiVersamento ? a.objDatiVersamento->DataVersamento() : Valore::Null()},
-          {"TipoVersamento", Valore(std::string(1, kTipi[tipoVers]))},
+          {"TipoVersamento", Valore(LetteraVersamento(a.objDatiVersamento))},
           {"TotaleIVADebito", Valore(V - S)},
           {"TotaleIVACredito", Valore(D - R)},
           {"UlterioriDetrazioni1", Valore(a.Detrazione1)},
@@ -824,6 +836,134 @@ bool clsLiquidazioneIva::Esegui(const ArgomentiLiquidazioneIva& a, bool bollata)
   }
   stampa.Chiudi();
   esito_.stampata = true;
+  if (a.formAttiva) a.formAttiva->msgbar("");
+  return true;
+}
+
+// ---------------------------------------------------------------- the December advance
+
+AccontoIvaStorico clsLiquidazioneIva::CalcolaAccontoIvaStorico(std::optional<Importo> base,
+                                                                std::optional<double> percentuale) {
+  AccontoIvaStorico r;
+  clsProgAzienda progAzienda;
+  progAzienda.cn = cn;
+  clsImportiFissi fissi;
+  fissi.cn = cn;
+  Valore debitoAnnoPrec, impAcconto, ultimaLiq, creditoInizio, creditoInizioUt, codIvaPerPrec, plafondIniziale,
+      plafondResiduo, totImpComp;
+  progAzienda.GetProgressiviLiquidazioneIva(debitoAnnoPrec, impAcconto, ultimaLiq, creditoInizio, creditoInizioUt,
+                                            codIvaPerPrec, plafondIniziale, plafondResiduo, totImpComp);
+  Importo minLiq;
+  fissi.GetImportiFissiLiquidazioneIva(r.percentuale, r.minimo, minLiq);
+  if (base) impAcconto = Valore(*base);
+  if (percentuale) r.percentuale = *percentuale;
+  r.base = Imp(impAcconto) > Importo() ? Imp(impAcconto) : Importo();
+  r.calcolato = QuotaPercentuale(r.base, r.percentuale, Decimali());
+  r.dovuto = r.calcolato > Importo() && r.calcolato >= r.minimo;
+  r.totale = r.dovuto ? r.calcolato : Importo();
+  return r;
+}
+
+bool clsLiquidazioneIva::AccontoIva(const ArgomentiAccontoIva& a) {
+  const std::shared_ptr<Connessione>& conn = cn;
+  Connessione& db = *cn;
+  const bool definitiva = Trim(a.avar_ProvaBollato) == "B";
+  if (a.avar_Anno < 1900 || a.avar_Anno > 9999)
+    throw ErroreDb(3265, "Anno non valido: " + std::to_string(a.avar_Anno));
+  std::unique_ptr<clsAnagraficaAzienda> pAna;
+  std::unique_ptr<clsProgressiviIva> pProg;
+  std::unique_ptr<clsNumerazioneFogli> pFogli;
+  clsAnagraficaAzienda* anagrafica = Usa(a.objAnagraficaAzienda, pAna, conn);
+  clsProgressiviIva* progressivi = Usa(a.objProgressiviIVA, pProg, conn);
+  clsNumerazioneFogli* fogli = Usa(a.objNumerazioneFogli, pFogli, conn);
+
+  if (definitiva) {
+    // Stored after the year's December settlement, the advance would never be deducted.
+    clsProgAzienda progAzienda;
+    progAzienda.cn = conn;
+    Valore debitoAnnoPrec, impAcconto, ultimaLiq, creditoInizio, creditoInizioUt, codIvaPerPrec, plafondIniziale,
+        plafondResiduo, totImpComp;
+    progAzienda.GetProgressiviLiquidazioneIva(debitoAnnoPrec, impAcconto, ultimaLiq, creditoInizio, creditoInizioUt,
+                                              codIvaPerPrec, plafondIniziale, plafondResiduo, totImpComp);
+    auto ultima = ultimaLiq.ComeData();
+    if (ultima && *ultima >= *Data::Crea(a.avar_Anno, 12, 1)) {
+      Host().MsgBox("La liquidazione IVA di dicembre " + std::to_string(a.avar_Anno) +
+                        " è già stata stampata sul bollato (ultima liquidazione: " + ultima->Testo() +
+                        "): l'acconto non sarebbe più detratto.",
+                    vbExclamation, "Acconto IVA");
+      return false;
+    }
+  }
+
+  // 1-2. The body.
+  FileLavoro file({"liqiva.tmp", "~liqiva.tmp", "~toliqiva.tmp"});
+  {
+    std::ofstream corpo(file[0], std::ios::binary);
+    if (!corpo) throw ErroreStampa("Impossibile scrivere il file " + file[0]);
+    auto linea = [&](const std::string& r) { Scrivi(corpo, r, file[0]); };
+    const std::string regola = std::string(36, ' ') + Riga('-', 60);
+    const char* maschera = "###,###,###,##0.00";
+    linea("");
+    if (a.abool_StampaCompleta) {
+      linea(regola);
+      linea(kMargine + "Importo IVA presunto ...........:" + Dx(Format(Valore(a.avar_ImportoIvaPresunto), maschera), 18));
+      linea(kMargine + "Percentuale acconto ............:" + Dx(Format(Valore(a.avar_PercentualeAcconto), maschera), 18));
+      linea(kMargine + "Totale acconto .................:" + Dx(Format(Valore(a.avar_TotaleAcconto), maschera), 18));
+      linea(regola);
+    }
+    if (a.objDatiVersamento && a.objDatiVersamento->StampaDatiVersamento())
+      for (const auto& r : ScriviSpecchiettoVersamento(a.objDatiVersamento)) linea(r);
+    linea(regola);
+  }
+
+  // 3-5. The pages: the title with the page stamp, the company's fiscal data, the foot.
+  const auto azienda = RigheAzienda(*anagrafica);
+  std::array<std::string, 9> testa = {Largo("ANNOTAZIONE ACCONTO I.V.A. ANNO " + std::to_string(a.avar_Anno), 131),
+                                      Riga('=', 131), azienda[0], azienda[1], Riga('=', 131), "", "", "", ""};
+  std::array<std::string, 4> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), "", "", ""};
+  ImpaginaFileAzienda(file[0], file[1], a.avar_RighePagina, testa, piede, 1);
+  std::string finale = file[1];
+  const auto libro = LibroLiquidazioni(a.TipoRegLiquidazione, a.NumRegLiquidazione);
+  clsNumerazioneFogli::Fogli numerati;
+  if (definitiva && a.avar_NumerazionePagine) {
+    numerati = fogli->NumeraFogli(file[1], file[2], a.avar_RighePagina, Valore(libro.tipo), Valore(libro.registro),
+                                  Valore(libro.numero), a.avar_Anno, a.clientID, a.hWnd);
+    finale = file[2];
+  }
+  FileStampa stampa(a.nomeFile);
+  CopiaInStampa(finale, stampa, a.nomeFile);
+
+  // 6. Definitive: the last sheet and the advance, with the print or not at all.
+  if (definitiva) {
+    Atomico unita(db);
+    if (a.avar_NumerazionePagine && numerati.prossimo > numerati.primo &&
+        !fogli->SalvaFogliStampati(Valore(libro.tipo), Valore(libro.registro), Valore(libro.numero), a.avar_Anno,
+                                   numerati.prossimo, a.clientID, a.hWnd)) {
+      Host().MsgBox("Errore in fase di aggiornamento ultimo numero pagina stampato", vbExclamation,
+                    "Numerazione fogli");
+      return false;
+    }
+    RecordValori riga = {
+        {"Importo_versato", Valore(a.avar_TotaleAcconto)},
+        {"CodiceAziendaVersam", Valore(a.objDatiVersamento ? a.objDatiVersamento->CodiceAzienda() : "")},
+        {"CodiceDipendenzaVersam", Valore(a.objDatiVersamento ? a.objDatiVersamento->CodiceDipendenzaVersam() : "")},
+        {"DataVersamento", a.objDatiVersamento ? a.objDatiVersamento->DataVersamento() : Valore::Null()},
+        {"TipoVersamento", Valore(LetteraVersamento(a.objDatiVersamento))}};
+    // Every amount after the kind of payment is 0.
+    for (const char* c :
+         {"TotaleIVADebito", "TotaleIVACredito", "UlterioriDetrazioni1", "UlterioriDetrazioni2", "CreditoUsato",
+          "ImportoCompensato", "CreditoIVA", "Interessi", "RimborsoArt38Bis", "CompensazioneArt38Bis",
+          "OperazioniAttive", "OperazioniAttiveIntra", "OperazioniPassive", "OperazioniPassiveIntra",
+          "ImponibileOroArgento", "IVAOroArgento", "IVADebitoPeriodo", "IVACreditoPeriodo", "VariazioniImpostaDebito",
+          "VariazioniImpostaCredito", "IVANonVersata", "IVAVersataEccesso", "DebitoInferioreMinimo",
+          "CreditoPeriodoPrecedente", "IVADovuta", "IVACredito", "CreditiSpeciali", "AccontoVersato",
+          "ImportoDaVersare", "ImportoVersato"})
+      if (TabellaCatalogoDi("Liquidazioni Periodiche")->Colonna(c)) riga[c] = Valore(Importo());
+    bool cancel = false;
+    progressivi->SalvaRecord_LiquidazioneIva(Valore("14"), riga, a.clientID, a.hWnd, cancel);
+    unita.Conferma();
+  }
+  stampa.Chiudi();
   if (a.formAttiva) a.formAttiva->msgbar("");
   return true;
 }

@@ -9,6 +9,7 @@
 // Amounts are exact: the percentages (lump sum, pro-rata, quarterly surcharge) are applied once
 // and rounded to the company's decimals.
 #pragma once
+#include <optional>
 #include <string>
 
 #include "frame/ConnessioneClasse.h"
@@ -102,6 +103,44 @@ struct ArgomentiLiquidazioneIva {
   long hWnd = 0;
 };
 
+// The values of the annotation of the December VAT advance. The objects are the caller's; a
+// missing one is made on the class's connection.
+struct ArgomentiAccontoIva {
+  IForm* formAttiva = nullptr;
+  clsAnagraficaAzienda* objAnagraficaAzienda = nullptr;
+  clsProgressiviIva* objProgressiviIVA = nullptr;
+  clsNumerazioneFogli* objNumerazioneFogli = nullptr;
+  std::string AzRagSoc, AzParIva, nomeFile;
+  Importo avar_ImportoIvaPresunto;
+  double avar_PercentualeAcconto = 0;
+  Importo avar_TotaleAcconto;
+  bool abool_StampaCompleta = true;  // false: the heading and the payment box only
+  int avar_Anno = 0;
+  int avar_RighePagina = 72;
+  const IDatiVersamento* objDatiVersamento = nullptr;
+  std::string avar_ProvaBollato;  // "B": definitive
+  bool avar_NumerazionePagine = false;
+  std::string TipoRegLiquidazione = "0";  // the book the sheets are numbered in
+  std::string NumRegLiquidazione;
+  std::string avar_PrefissoTabelleTmp = "_";
+  Valore clientID = Valore("");
+  long hWnd = 0;
+};
+
+// The advance by the historical method: a share (PercCalcoloAcconto of the fixed amounts) of
+// the VAT of last December's settlement before its own advance (ImpIVACalcoloAcconto, kept by
+// the definitive December settlement). Not due when it is under ImportoMinAcconto. The other
+// methods give their own base (the VAT expected, or that of the operations to 20 December),
+// and the percentage may be the caller's.
+struct AccontoIvaStorico {
+  Importo base;          // last December's VAT, 0 for a credit
+  double percentuale = 0;
+  Importo calcolato;     // the share, rounded to the company's decimals
+  Importo minimo;        // ImportoMinAcconto
+  bool dovuto = false;   // calcolato above 0 and not under the minimum
+  Importo totale;        // calcolato when due, 0 otherwise
+};
+
 // The outcome of a settlement.
 struct EsitoLiquidazioneIva {
   bool stampata = false;
@@ -118,6 +157,15 @@ class clsLiquidazioneIva {
   bool LiquidazioneIvaSimulazione(const ArgomentiLiquidazioneIva& a);
   bool LiquidazioneIvaBollata(const ArgomentiLiquidazioneIva& a);
   const EsitoLiquidazioneIva& Esito() const { return esito_; }
+
+  // The annotation of the December advance; definitive ("B"), it also stores the advance as the
+  // row "14" of the periodic settlements, which the December settlement deducts, with the last
+  // sheet, together with the print or not at all (a second one replaces the first). A definitive
+  // advance is refused once the year's December is settled definitively: it would never be
+  // deducted.
+  bool AccontoIva(const ArgomentiAccontoIva& a);
+  AccontoIvaStorico CalcolaAccontoIvaStorico(std::optional<Importo> base = std::nullopt,
+                                             std::optional<double> percentuale = std::nullopt);
 
   // "1" when the VAT code counts against the plafond of exporters; empty with no code.
   Valore GetPlafondIva(const Valore& CodiceIva);

@@ -243,6 +243,82 @@ TEST_P(LiquidazioneIvaTest, DefinitivaInterrottaNonLasciaNulla) {
   EXPECT_EQ(iva, I("220.00"));
 }
 
+TEST_P(LiquidazioneIvaTest, AccontoStoricoDetrattoADicembre) {
+  // Last December's VAT before its advance was 1.234,56: 88% of it is 1.086,4128, an advance of
+  // 1.086,41, above the minimum of 103,29.
+  cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [ImpIVACalcoloAcconto] = 1234.56");
+  AccontoIvaStorico storico = liq.CalcolaAccontoIvaStorico();
+  EXPECT_EQ(storico.base, I("1234.56"));
+  EXPECT_TRUE(storico.dovuto);
+  EXPECT_EQ(storico.totale, I("1086.41"));
+
+  ArgomentiAccontoIva a;
+  a.AzRagSoc = "Studio Beta";
+  a.AzParIva = "09876543210";
+  a.nomeFile = dir->Percorso() + "/acconto.txt";
+  a.avar_ImportoIvaPresunto = storico.base;
+  a.avar_PercentualeAcconto = storico.percentuale;
+  a.avar_TotaleAcconto = storico.totale;
+  a.avar_Anno = 2024;
+  a.avar_RighePagina = 24;
+  DatiVersamento banca;
+  banca.stampa = true;
+  banca.codiceAzienda = "03069";
+  banca.codiceDipendenza = "01600";
+  banca.data = Valore(*Data::Crea(2024, 12, 27));
+  banca.tipo = 1;
+  a.objDatiVersamento = &banca;
+  // A trial stores nothing.
+  ASSERT_TRUE(liq.AccontoIva(a));
+  ConfrontaGolden("vat/golden/acconto_iva.txt", LeggiFile(a.nomeFile));
+  EXPECT_EQ(0, NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Liquidazioni Periodiche]")));
+
+  // Definitive: the row "14" with the bank's data and kind "B", every other amount 0.
+  a.avar_ProvaBollato = "B";
+  ASSERT_TRUE(liq.AccontoIva(a));
+  Recordset r = cn->Execute("SELECT [Importo_versato], [TipoVersamento], [CodiceAziendaVersam], [DataVersamento], "
+                            "[TotaleIVADebito], [ImportoDaVersare] FROM [Liquidazioni Periodiche] WHERE "
+                            "[MeseVersamento] = '14'");
+  ASSERT_FALSE(r.Eof());
+  EXPECT_EQ(NullToZeroCy(r(0)), I("1086.41"));
+  EXPECT_EQ(Trim(r(1).Value().Testo()), "B");
+  EXPECT_EQ(Trim(r(2).Value().Testo()), "03069");
+  EXPECT_EQ(r(3).Value().ComeData(), Data::Crea(2024, 12, 27));
+  EXPECT_TRUE(NullToZeroCy(r(4)).Zero());
+  EXPECT_TRUE(NullToZeroCy(r(5)).Zero());
+
+  // December: sales VAT 1.500,00 less purchases 100,00 = 1.400,00, less the advance: 313,59.
+  Vendita("00001", "10/12/2024", 1, "6818.18", "1500.00", "8318.18");
+  Acquisto("00002", "12/12/2024", 1, "454.55", "100.00", "554.55");
+  Bollato(12);
+  ASSERT_TRUE(liq.LiquidazioneIvaBollata(Liq(12, "dic.txt", true)));
+  EXPECT_EQ(liq.Esito().saldo, I("313.59"));
+  EXPECT_NE(LeggiFile(dir->Percorso() + "/dic.txt").find("Acconto versato ................:              1.086,41"),
+            std::string::npos);
+  // Next year's base is December's VAT before the advance: 1.400,00, whose 88% is 1.232,00.
+  EXPECT_EQ(liq.CalcolaAccontoIvaStorico().totale, I("1232.00"));
+
+  // December settled: a definitive advance for 2024 is refused and changes nothing.
+  a.avar_TotaleAcconto = I("500.00");
+  EXPECT_FALSE(liq.AccontoIva(a));
+  EXPECT_NE(host->Ultimo().find("l'acconto non sarebbe più detratto"), std::string::npos);
+  EXPECT_EQ(liq.CalcolaAccontoIvaStorico().totale, I("1232.00"));
+  EXPECT_EQ(NullToZeroCy(cn->Scalare("SELECT [Importo_versato] FROM [Liquidazioni Periodiche] WHERE "
+                                     "[MeseVersamento] = '14'")),
+            I("1086.41"));
+}
+
+TEST_P(LiquidazioneIvaTest, AccontoStoricoNonDovuto) {
+  // 88% of 117,00 is 102,96: under the minimum of 103,29. A credit gives no base at all.
+  cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [ImpIVACalcoloAcconto] = 117");
+  AccontoIvaStorico s = liq.CalcolaAccontoIvaStorico();
+  EXPECT_EQ(s.calcolato, I("102.96"));
+  EXPECT_FALSE(s.dovuto);
+  EXPECT_TRUE(s.totale.Zero());
+  cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [ImpIVACalcoloAcconto] = -500");
+  EXPECT_TRUE(liq.CalcolaAccontoIvaStorico().base.Zero());
+}
+
 VORN_SU_DUE_MOTORI(LiquidazioneIvaTest);
 
 }  // namespace
