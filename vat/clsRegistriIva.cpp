@@ -4,7 +4,9 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <tuple>
 #include <vector>
 
 #include "company/clsAnagraficaAzienda.h"
@@ -12,6 +14,7 @@
 #include "company/clsProgrNumerazione.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
+#include "frame/Formato.h"
 #include "frame/Globali.h"
 #include "frame/Impaginazione.h"
 #include "frame/Int128.h"
@@ -659,6 +662,87 @@ void clsRegistriIva::DistribuisciVentilazione(const std::string& prefisso, Impor
     SalvaRecordRegistroIvaCorrispettiviVentilazioneTotali(prefisso, g.codice, Valore(g.aliquota), imponibile, imposta,
                                                           Importo(), Importo(), b);
   }
+}
+
+// ---------------------------------------------------------------- reprotocolling
+
+int32_t clsRegistriIva::EseguiRiprotocollazione(const std::string& clientName, int anno, const Valore& NumRegistroIva) {
+  Connessione& db = *cn;
+  auto inizio = Data::Crea(anno, 1, 1), fine = Data::Crea(anno, 12, 31);
+  if (!inizio || anno < 1900 || anno > 9999) throw ErroreDb(3265, "Anno non valido: " + std::to_string(anno));
+  // The register as the journal writes it: two digits.
+  std::string registro = Trim(NumRegistroIva.Testo());
+  if (auto n = Valore(registro).ComeIntero(); n && *n >= 0 && *n < 100)
+    registro = Format(Valore(*n), "00");
+  const Valore client(clientName);
+
+  Atomico unita(db);
+  db.Esegui("DELETE FROM [Elaborazione riprotocollazione] WHERE [ClientName] = ?", {client});
+  db.Esegui(
+      "INSERT INTO [Elaborazione riprotocollazione] ([ClientName], [DataCompetenza], [DataRegistrazione], "
+      "[NumeroRegistrazione], [TipoRegistroIva], [NumRegistroIva], [NumeroDiProtocollo], [SerieDocumento], "
+      "[NumeroDocumento]) SELECT ?, [DataCompetenza], [DataRegistrazione], [NumeroRegistrazione], "
+      "[TipoRegistroIva], [NumRegistroIva], [NumeroDiProtocollo], [SerieDocumento], [NumeroDocumento] FROM "
+      "[Prima Nota] WHERE [DataCompetenza] >= ? AND [DataCompetenza] <= ? AND [TipoRegistroIva] = '2' AND "
+      "[NumRegistroIva] = ? GROUP BY [DataCompetenza], [DataRegistrazione], [NumeroRegistrazione], "
+      "[TipoRegistroIva], [NumRegistroIva], [NumeroDiProtocollo], [SerieDocumento], [NumeroDocumento]",
+      {client, Valore(*inizio), Valore(*fine), Valore(registro)});
+
+  // The rows in date order, sorted here so that both engines put an empty protocol, series or
+  // number first; the entry's number last of all, so that equal rows always come in one order.
+  struct Voce {
+    std::optional<Data> competenza, registrazione;
+    std::string numero, tipo, registro, serie;
+    std::optional<int64_t> protocollo, documento;
+  };
+  std::vector<Voce> voci;
+  db.Scorri("SELECT [DataCompetenza], [DataRegistrazione], [NumeroRegistrazione], [TipoRegistroIva], "
+            "[NumRegistroIva], [NumeroDiProtocollo], [SerieDocumento], [NumeroDocumento] FROM "
+            "[Elaborazione riprotocollazione] WHERE [ClientName] = ?",
+            {client}, [&](const std::vector<Colonna>&, const std::vector<Valore>& v) {
+              voci.push_back({v[0].ComeData(), v[1].ComeData(), v[2].Testo(), v[3].Testo(), v[4].Testo(),
+                              v[6].IsNull() ? std::string() : v[6].Testo(),
+                              v[5].IsNull() ? std::nullopt : v[5].ComeIntero(),
+                              v[7].IsNull() ? std::nullopt : v[7].ComeIntero()});
+              return true;
+            });
+  if (voci.empty()) {
+    unita.Conferma();
+    return 0;
+  }
+  std::stable_sort(voci.begin(), voci.end(), [](const Voce& x, const Voce& y) {
+    return std::tie(x.registrazione, x.protocollo, x.serie, x.documento, x.numero) <
+           std::tie(y.registrazione, y.protocollo, y.serie, y.documento, y.numero);
+  });
+
+  // The new protocols in the work table; an entry listed twice takes the one walked last.
+  db.Esegui("DELETE FROM [Elaborazione riprotocollazione] WHERE [ClientName] = ?", {client});
+  int64_t progressivo = 0;
+  for (const Voce& x : voci) {
+    ++progressivo;
+    auto data = [](const std::optional<Data>& d) { return d ? Valore(*d) : Valore::Null(); };
+    db.EseguiInCoda(
+        "INSERT INTO [Elaborazione riprotocollazione] ([ClientName], [DataCompetenza], [DataRegistrazione], "
+        "[NumeroRegistrazione], [TipoRegistroIva], [NumRegistroIva], [NumeroDiProtocollo], [SerieDocumento], "
+        "[NumeroDocumento]) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
+        {client, data(x.competenza), data(x.registrazione), Valore(x.numero), Valore(x.tipo), Valore(x.registro),
+         Valore(progressivo), x.serie.empty() ? Valore::Null() : Valore(x.serie),
+         x.documento ? Valore(*x.documento) : Valore::Null()});
+  }
+
+  // Every row of those entries, and their instalments: one statement a table, joined on the
+  // entry's number (the instalments have no index of their own on it).
+  int64_t righe = 0;
+  const std::pair<const char*, const char*> tabelle[] = {{"[Prima Nota]", "[NumeroRegistrazione]"},
+                                                         {"[Scadenziario]", "[numeroRegistrazione]"}};
+  for (const auto& [tabella, colonna] : tabelle)
+    righe += db.Esegui(std::string("UPDATE ") + tabella + " SET [NumeroDiProtocollo] = E.[Protocollo] FROM (SELECT "
+                       "[NumeroRegistrazione] AS [Numero], MAX([NumeroDiProtocollo]) AS [Protocollo] FROM "
+                       "[Elaborazione riprotocollazione] WHERE [ClientName] = ? GROUP BY [NumeroRegistrazione]) E "
+                       "WHERE " + tabella + "." + colonna + " = E.[Numero]",
+                       {client});
+  unita.Conferma();
+  return static_cast<int32_t>(righe);
 }
 
 }  // namespace vorn

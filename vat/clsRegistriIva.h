@@ -189,6 +189,15 @@ class clsRegistriIva {
                                                              Importo progressivoImponibile, Importo progressivoImposta,
                                                              Importo baseVentilazione);
 
+  // ---------------------------------------------------------------- reprotocolling
+  // Renumbers 1, 2, 3... the protocols of purchases register NumRegistroIva for the entries whose
+  // competence falls in `anno`, in the order of their registration date (the old protocol, the
+  // series and the document number decide within a day), on every row of those entries in the
+  // journal and on their instalments. The entries are listed in the work table [Elaborazione
+  // riprotocollazione] under `clientName`. All or nothing. Gives the rows written in the journal
+  // and in the due dates together; 0 with nothing in the year.
+  int32_t EseguiRiprotocollazione(const std::string& clientName, int anno, const Valore& NumRegistroIva);
+
  private:
   EsitoRegistroIva esito_;
   long ultimoFoglio_ = 0;  // the sheet the next print of the register starts from
