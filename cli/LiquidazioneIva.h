@@ -1,5 +1,6 @@
-// What vorn liquidazione-iva shares with the demo: the arguments of a settlement read from the
-// company, the default name of its print, and its outcome told in one line.
+// What vorn liquidazione-iva and vorn acconto-iva share with the demo: the arguments of a
+// settlement read from the company, the default name of its print, and its outcome (and the
+// advance's) told in one line.
 #pragma once
 #include <memory>
 #include <string>
@@ -28,5 +29,9 @@ std::string NomeFileLiquidazioneIva(int anno, int mese, bool trimestre);
 // periodo successivo)", a credit "IVA a credito: 345,67"; a quarter's surcharge is told apart
 // ("IVA a debito: 1.000,00, maggiorazione trimestrale: 10,00, da versare: 1.010,00").
 std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e);
+
+// The December advance in one line: "Acconto IVA 2025: 1.086,41 (88,00% di 1.234,56)", or
+// "Acconto IVA 2025 non dovuto: 88,00 (88,00% di 100,00) non raggiunge il minimo di 103,29".
+std::string RigaEsitoAccontoIva(int anno, const AccontoIvaStorico& a);
 
 }  // namespace vorn::cli
