@@ -30,6 +30,7 @@
 #include "ledger/VerificaSaldi.h"
 #include "receivables/FattureEsempio.h"
 #include "receivables/clsElaboraFatture.h"
+#include "receivables/Interruzioni.h"
 #include "support/Azienda.h"
 
 namespace vorn::test {
@@ -173,47 +174,23 @@ class ElaboraFattureInterrottaTest : public AziendaTest {
 // `massimoMs`, each followed by the check; then a run in this process posts what is missing.
 void ElaboraFattureInterrottaTest::Giri(const std::function<pid_t()>& avvia, int massimoMs) {
   const long totale = static_cast<long>(fatture.documenti.size());
-  unsigned seme = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
-  if (const char* s = std::getenv("VORN_SEME_KILL")) seme = static_cast<unsigned>(std::strtoul(s, nullptr, 10));
-  std::mt19937 caso(seme);
-  std::cout << "[ seme dei ritardi: " << seme << " ]\n";
-
-  long posted = 0, uccisi = 0;
-  // The first round is killed early (a fast machine posts the whole lot in a few hundred
-  // milliseconds); later rounds aim within the time the documents left should take at the
-  // pace seen so far.
-  int limiteMs = std::max(10, massimoMs / 4);
-  for (int giro = 1; giro <= 8 && posted < totale; ++giro) {
-    // The parent's connection is closed over the child's life: the child opens its own.
+  GiriInterrotti g;
+  // The parent's connection is closed over the child's life: the child opens its own.
+  g.chiudi = [this] {
     cn->Close();
     cn.reset();
     G().ConnessioneGlobale.reset();
-    const int ritardoMs = std::uniform_int_distribution<int>(5, limiteMs)(caso);
-    pid_t pid = avvia();
-    ASSERT_GT(pid, 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(ritardoMs));
-    kill(pid, SIGKILL);
-    int stato = 0;
-    ASSERT_EQ(pid, waitpid(pid, &stato, 0));
-    // A child that finished before the signal must have finished well.
-    if (WIFEXITED(stato)) EXPECT_EQ(0, WEXITSTATUS(stato)) << "giro " << giro;
-    else ++uccisi;
-
+  };
+  g.avvia = avvia;
+  g.verifica = [this](const std::string& quando) {
     cn = AltraConnessione();
     ParametriAzienda(cn);
-    long ora = VerificaTuttoONiente("giro " + std::to_string(giro) + ", ucciso dopo " + std::to_string(ritardoMs) +
-                                    " ms");
-    if (HasFailure()) return;
-    EXPECT_GE(ora, posted) << "documenti confermati spariti";
-    std::cout << "[ giro " << giro << ": SIGKILL dopo " << ritardoMs << " ms, " << ora << " documenti su " << totale
-              << " ]\n";
-    if (ora > posted) {
-      const double msPerDocumento = static_cast<double>(ritardoMs) / static_cast<double>(ora - posted);
-      limiteMs = std::clamp(static_cast<int>(msPerDocumento * static_cast<double>(totale - ora)), 10, massimoMs);
-    }
-    posted = ora;
-  }
-  EXPECT_GE(uccisi, 1) << "nessun giro è stato interrotto";
+    return VerificaTuttoONiente(quando);
+  };
+  g.totale = totale;
+  g.massimoMs = massimoMs;
+  const long posted = EseguiGiriInterrotti(g);
+  if (HasFailure()) return;
 
   // The last run takes up exactly the missing documents; one more finds nothing.
   EsitoElaboraFatture e = Posta(cn);
