@@ -1,5 +1,6 @@
 #include "assets/clsCespiti.h"
 
+#include "assets/clsCespitiCategorie.h"
 #include "frame/Comuni.h"
 
 namespace vorn {
@@ -47,6 +48,24 @@ bool clsCespiti::SalvaRecord(const Valore& codiceCespite, const Valore& Descrizi
                                                        percDeducFisc, IndStato, FlagUsato, FlagManutenzioneContr,
                                                        FlagAmmIntegraleFisc, Immagine}),
                      clientID, hWnd, Cancel);
+}
+
+bool clsCespiti::SalvaDaCategoria(const Valore& codiceCespite, const Valore& DescrizioneCespite,
+                                  const Valore& CodiceCategoria, const Valore& clientID, long hWnd, bool& Cancel) {
+  Cancel = false;
+  clsCespitiCategorie categorie;
+  categorie.cn = cn;
+  Valore descrizione;
+  int natura = 0;
+  double ordFisc = 0, antFisc = 0, ordCiv = 0, antCiv = 0;
+  std::string c1, c2, c3, c4;
+  if (!categorie.GetParametriCategoria(CodiceCategoria, descrizione, natura, ordFisc, antFisc, ordCiv, antCiv, c1, c2,
+                                       c3, c4))
+    return false;
+  return SalvaRecord(codiceCespite, DescrizioneCespite, Valore(""), Valore(""), Valore(""),
+                     Valore(Trim(CodiceCategoria.Testo())), Valore(""), Valore(ordCiv), Valore(antCiv), Valore(ordFisc),
+                     Valore(antFisc), Valore(0.0), Valore(0.0), Valore("0"), Valore("0"), Valore(false), Valore(false),
+                     Valore(""), clientID, hWnd, Cancel);
 }
 
 int32_t clsCespiti::UpdateStato(const Valore& codiceCespite, const Valore& IndStato) {

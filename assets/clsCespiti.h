@@ -26,6 +26,10 @@ class clsCespiti : public FamigliaAnagrafiche<clsCespiti, 1> {
                    const Valore& percDeducFisc, const Valore& IndStato, const Valore& FlagUsato,
                    const Valore& FlagManutenzioneContr, const Valore& FlagAmmIntegraleFisc, const Valore& Immagine,
                    const Valore& clientID, long hWnd, bool& Cancel);
+  // A new asset with its category's rates, fiscal and civil (the category must exist: false
+  // otherwise, nothing written).
+  bool SalvaDaCategoria(const Valore& codiceCespite, const Valore& DescrizioneCespite, const Valore& CodiceCategoria,
+                        const Valore& clientID, long hWnd, bool& Cancel);
   // The rows changed (0 for an unknown asset).
   int32_t UpdateStato(const Valore& codiceCespite, const Valore& IndStato);
 
