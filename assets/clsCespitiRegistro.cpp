@@ -135,8 +135,8 @@ bool clsCespitiRegistro::StampaRegistroCespiti(const ArgomentiRegistroCespiti& a
     }
   } pulizia{db, a.clientName};
 
-  FileLavoro file({"regces.tmp", "~regces.tmp"});
-  const std::string &corpo = file[0], &pagine = file[1];
+  FileLavoro file({"regces.tmp"});
+  const std::string& corpo = file[0];
   {
     std::ofstream out(corpo, std::ios::binary);
     if (!out) throw ErroreStampa("Impossibile scrivere il file " + corpo);
@@ -230,15 +230,10 @@ bool clsCespitiRegistro::StampaRegistroCespiti(const ArgomentiRegistroCespiti& a
       Riga('=')};
   std::array<std::string, 2> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), ""};
   RigaPagina("", Valore(0));
-  {
-    std::ofstream out(pagine, std::ios::binary);
-    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
-    ImpaginaFile(corpo, out, a.avar_RighePagina, testa, piede, false, 1);
-    out.close();
-    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
-  }
+  // No sheets to number: the pages go straight into the print, named only when whole.
   FileStampa stampa(a.nomeFile);
-  CopiaInStampa(pagine, stampa, a.nomeFile);
+  ImpaginaFile(corpo, stampa.Flusso(), a.avar_RighePagina, testa, piede, false, 1);
+  if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
   stampa.Chiudi();
   esito_.stampato = true;
   return true;
