@@ -233,6 +233,33 @@ TEST_P(Ammortamenti, ContabilizzazioneFallitaNonLasciaNulla) {
   EXPECT_TRUE(VerificaSaldi(*cn).empty());
 }
 
+TEST_P(Ammortamenti, UnAnnoCancellatoSiRicalcola) {
+  Cespite("SW1", "02", 20, 0, 20);
+  Movimento("ACQ", D(1, 1, 2023), "SW1", 1000);
+  Calcola(2023);
+  Calcola(2024);
+  // Only 2024 goes, rows first: the heads of 2023 and the purchase stay.
+  EXPECT_EQ(movimenti.CancellaAmmortamentiCespitiMovimentiRighe(2024), 1);
+  EXPECT_EQ(movimenti.CancellaAmmortamentiCespitiMovimentiTestate(2024), 1);
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiTestate]"), 2);
+  EsitoAmmortamento e = Calcola(2024);
+  EXPECT_EQ(e.stringaErroriRiscontrati, "");
+  // Software is immaterial: no first-year cut, 200 a year on both tracks.
+  EXPECT_EQ(Righe(D(31, 12, 2024), 11), (std::map<std::string, Terna>{{"SW1", {200, 200, 200}}}));
+  std::vector<RigaAmmDaContab> griglia;
+  ASSERT_TRUE(contabilizza.LocalizzaAmmDaContab(griglia, 2024));
+  ASSERT_EQ(griglia.size(), 1u);
+  EXPECT_EQ(griglia[0].DesNatura, "Immateriale");
+  EXPECT_EQ(griglia[0].DesTipoAmm, "Ammort. Ordin.");
+  EXPECT_EQ(griglia[0].CDare, "6301003");
+  EXPECT_EQ(griglia[0].cAvere, "1101003");
+  EXPECT_EQ(griglia[0].importo, Importo(200));
+  // Without a year, every year's depreciation goes.
+  movimenti.CancellaAmmortamentiCespitiMovimentiRighe();
+  movimenti.CancellaAmmortamentiCespitiMovimentiTestate();
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiRighe]"), 1);
+}
+
 TEST_P(Ammortamenti, RegistroDellAnno) {
   Cespite("MAC1", "12", 12, 12, 12);
   Movimento("ACQ", D(1, 7, 2024), "MAC1", 10000);
