@@ -122,6 +122,14 @@ int clsCespitiAmm::GetAnnoInizioUtilizzoCespite(const std::string& codiceCespite
 int32_t clsCespitiAmm::CalcolaAmmortamento(const ArgomentiAmmortamento& a, EsitoAmmortamento& esito) {
   Connessione& db = *cn;
   if (a.anno < 1900 || a.anno > 9999) throw ErroreDb(3265, "Anno di elaborazione non valido: " + std::to_string(a.anno));
+  // The causals must be of the depreciation kinds: a movement written under another kind would
+  // not be found by the next run, which would write the year again.
+  clsCausaliCespiti causali;
+  causali.cn = cn;
+  if (causali.GetTipoMovimentazione(Valore(a.causaleAmmOrd)) != kAmmortamOrdinarioRidotto)
+    throw ErroreDb(3265, "La causale cespiti '" + a.causaleAmmOrd + "' non è di ammortamento ordinario (tipo 11).");
+  if (a.indMetodoAmmortamento == 1 && causali.GetTipoMovimentazione(Valore(a.causaleAmmAnt)) != kAmmortamAnticipato)
+    throw ErroreDb(3265, "La causale cespiti '" + a.causaleAmmAnt + "' non è di ammortamento anticipato (tipo 12).");
   double soglia = 0, abbattimento = 0, manutenzioni = 0;
   clsParametriAzienda parametri;
   parametri.cn = cn;

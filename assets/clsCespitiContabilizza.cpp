@@ -130,13 +130,14 @@ bool clsCespitiContabilizza::ContabilizzaAmmortamenti(int anno, const std::strin
                                                       EsitoContabilizzazioneCespiti& esito, IForm* objFormAttiva,
                                                       const Valore& clientID, long hWnd) {
   if (anno < 1900 || anno > 9999) throw ErroreDb(3265, "Anno non valido: " + std::to_string(anno));
-  for (const auto* c : {&codiceCausaleAmmOrd, &codiceCausaleAmmAnt})
-    if (Trim(*c).empty()) throw ErroreDb(3265, "Manca la causale contabile dell'ammortamento.");
   Connessione& db = *cn;
   clsPrimaNota primaNota;
   primaNota.cn = cn;
   clsCausaliContabili causali;
   causali.cn = cn;
+  for (const auto* c : {&codiceCausaleAmmOrd, &codiceCausaleAmmAnt})
+    if (Trim(*c).empty() || !causali.ExistCausaleContabile(Valore(Trim(*c))))
+      throw ErroreDb(3265, "La causale contabile dell'ammortamento '" + Trim(*c) + "' non esiste.");
   clsElaboraFatture elabora;
   elabora.cn = cn;
   ConRiprova(db, [&] {

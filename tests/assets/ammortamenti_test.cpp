@@ -156,6 +156,13 @@ TEST_P(Ammortamenti, QuoteDellAnnoCalcolateAMano) {
   EsitoAmmortamento ancora = Calcola(2024);
   EXPECT_EQ(ancora.righe, 0);
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiRighe]"), righe);
+  // A causal of another kind is refused before anything is written: its movements would not be
+  // found by the next run.
+  ArgomentiAmmortamento sbagliata;
+  sbagliata.anno = 2025;
+  sbagliata.causaleAmmOrd = "ACQ";
+  EXPECT_THROW(amm.CalcolaAmmortamento(sbagliata, ancora), ErroreDb);
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiRighe]"), righe);
   EXPECT_NE(ancora.stringaErroriRiscontrati.find("Cespite: MAC1" + std::string(19, ' ') +
                                                  " - Per il periodo elaborato esistono già dei movimenti di ammortamento"),
             std::string::npos);
