@@ -8,6 +8,8 @@
 #include "assets/clsCespitiCategorie.h"
 #include "company/StampaLibri.h"
 #include "company/clsAnagraficaAzienda.h"
+#include "company/clsNumerazioneFogli.h"
+#include "company/clsProgAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
 #include "frame/Formato.h"
@@ -122,6 +124,25 @@ bool clsCespitiRegistro::StampaRegistroCespiti(const ArgomentiRegistroCespiti& a
   std::unique_ptr<clsAnagraficaAzienda> pAnag;
   clsAnagraficaAzienda* anagrafica = Usa(a.objAnagraficaAzienda, pAnag, cn);
 
+  const bool bollato = Trim(a.avar_ProvaBollato) == "B";
+  std::unique_ptr<clsProgAzienda> pProg;
+  std::unique_ptr<clsNumerazioneFogli> pFogli;
+  clsProgAzienda* progressivi = Usa(a.objProgressiviAzienda, pProg, cn);
+  clsNumerazioneFogli* fogli = Usa(a.objNumerazioneFogli, pFogli, cn);
+  const Data fine = *Data::Crea(a.anno, 12, 31);
+  const Valore ultimaStampa = progressivi->GetDataUltimoLibroCespiti();
+  if (bollato) {
+    // A year is on the book once: its sheets would be numbered twice.
+    auto ultima = ultimaStampa.ComeData();
+    if (ultimaStampa.IsDate() && ultima && *ultima >= fine) {
+      Host().Beep();
+      Host().MsgBox("Il registro cespiti è già stato stampato in definitivo fino al " + ultima->Testo() + ".",
+                    vbExclamation, kTitolo);
+      esito_.giaBollato = true;
+      return false;
+    }
+  }
+
   MakeDatiStampaGiornaleCespiti(a.objFormAttiva, a.clientName, a.anno);
   // The work rows go whatever happens.
   struct Pulizia {
@@ -135,8 +156,8 @@ bool clsCespitiRegistro::StampaRegistroCespiti(const ArgomentiRegistroCespiti& a
     }
   } pulizia{db, a.clientName};
 
-  FileLavoro file({"regces.tmp"});
-  const std::string& corpo = file[0];
+  FileLavoro file({"regces.tmp", "~regces.tmp"});
+  const std::string &corpo = file[0], &pagine = file[1];
   {
     std::ofstream out(corpo, std::ios::binary);
     if (!out) throw ErroreStampa("Impossibile scrivere il file " + corpo);
@@ -230,10 +251,44 @@ bool clsCespitiRegistro::StampaRegistroCespiti(const ArgomentiRegistroCespiti& a
       Riga('=')};
   std::array<std::string, 2> piede = {PiedeElaborato(a.AzRagSoc, a.AzParIva), ""};
   RigaPagina("", Valore(0));
-  // No sheets to number: the pages go straight into the print, named only when whole.
+  if (!bollato) {
+    // A trial: the pages go straight into the print, named only when whole.
+    FileStampa stampa(a.nomeFile);
+    ImpaginaFile(corpo, stampa.Flusso(), a.avar_RighePagina, testa, piede, false, 1);
+    if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
+    stampa.Chiudi();
+    esito_.stampato = true;
+    return true;
+  }
+  // Definitive: the pages, then the book's sheets numbered into the print; the sheets and the
+  // date of the book commit together, and only then is the print named.
+  {
+    std::ofstream out(pagine, std::ios::binary);
+    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
+    ImpaginaFile(corpo, out, a.avar_RighePagina, testa, piede, false, 1);
+    out.close();
+    if (!out) throw ErroreStampa("Impossibile scrivere il file " + pagine);
+  }
   FileStampa stampa(a.nomeFile);
-  ImpaginaFile(corpo, stampa.Flusso(), a.avar_RighePagina, testa, piede, false, 1);
+  auto numerati = fogli->NumeraFogli(pagine, stampa.Flusso(), a.avar_RighePagina, Valore("B"), Valore(""), Valore(""),
+                                     a.anno, a.clientID, a.hWnd);
   if (!stampa.Flusso()) throw ErroreStampa("Impossibile scrivere il file " + a.nomeFile);
+  esito_.primoFoglio = numerati.primo;
+  esito_.prossimoFoglio = numerati.prossimo;
+  {
+    Atomico unita(db);
+    if (!(progressivi->GetDataUltimoLibroCespiti() == ultimaStampa)) {
+      Host().MsgBox("Il registro cespiti è stato stampato in definitivo da un altro utente durante la stampa: nulla "
+                    "è stato registrato, ripetere la stampa.",
+                    vbExclamation, kTitolo);
+      return false;
+    }
+    progressivi->AggiornaDataUltimoLibroCespiti(Valore(fine), a.clientID, a.hWnd);
+    if (!fogli->SalvaFogliStampati(Valore("B"), Valore(""), Valore(""), a.anno, esito_.prossimoFoglio, a.clientID,
+                                   a.hWnd))
+      return false;
+    unita.Conferma();
+  }
   stampa.Chiudi();
   esito_.stampato = true;
   return true;

@@ -2,6 +2,10 @@
 // [Elaborazione cespiti schede contabili] under the caller's name, then printed by category
 // with the fiscal and the civil figures of each asset, the category's totals and the year's
 // totals, on pages of 131 columns with the company's head and the page stamp.
+//
+// A trial print leaves nothing behind. A definitive print ("B") numbers the book's sheets
+// (TipoStampa "B") and records the date of the book, 31/12 of the year, together, and names the
+// print only once they are committed; a year already on the book is refused.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -14,19 +18,28 @@
 namespace vorn {
 
 class clsAnagraficaAzienda;
+class clsNumerazioneFogli;
+class clsProgAzienda;
 
 struct ArgomentiRegistroCespiti {
   IForm* objFormAttiva = nullptr;
   clsAnagraficaAzienda* objAnagraficaAzienda = nullptr;  // the print makes its own when missing
+  clsProgAzienda* objProgressiviAzienda = nullptr;
+  clsNumerazioneFogli* objNumerazioneFogli = nullptr;
   std::string clientName = "vorn";  // whose rows of the card table
   std::string AzRagSoc, AzParIva;   // who prints, in the foot
   std::string nomeFile;             // the print
   int anno = 0;
   int avar_RighePagina = 72;
+  std::string avar_ProvaBollato;  // "B" definitive, anything else a trial
+  Valore clientID = Valore("");
+  long hWnd = 0;
 };
 
 struct EsitoRegistroCespiti {
   bool stampato = false;
+  bool giaBollato = false;  // a definitive print refused: the year is on the book already
+  long primoFoglio = 0, prossimoFoglio = 0;  // definitive: the first sheet and the book's next
   int cespiti = 0;  // assets printed
   Importo valoreFisc, ammortamentoFisc, fondoFisc, residuoFisc;  // the year's totals, fiscal
 };

@@ -13,7 +13,7 @@ namespace vorn::cli {
 namespace {
 
 const char* const kUso =
-    "Uso: vorn registro-cespiti FILE --anno AAAA [--righe N] [--uscita PERCORSO]\n\n"
+    "Uso: vorn registro-cespiti FILE --anno AAAA [--bollato] [--righe N] [--uscita PERCORSO]\n\n"
     "Stampa il registro dei beni ammortizzabili dell'anno e scrive il percorso del file: per\n"
     "categoria, di ogni cespite acquistato entro l'anno e non dismesso prima, il valore, il fondo\n"
     "dell'anno prima, l'aliquota, l'ammortamento dell'anno, il fondo a fine anno e il residuo,\n"
@@ -21,6 +21,10 @@ const char* const kUso =
     "cespiti da stampare scrive \"Nessun dato da stampare.\".\n"
     "Opzioni:\n"
     "  --anno AAAA        l'anno, dal 1900 al 9999\n"
+    "  --bollato          la stampa definitiva: numera i fogli del registro cespiti e salva la data\n"
+    "                     dell'ultima stampa (31/12 dell'anno) insieme con il file della stampa, o\n"
+    "                     niente; un anno già stampato in definitivo è rifiutato. Senza, è una\n"
+    "                     stampa di prova, ripetibile\n"
     "  --righe N          righe di una pagina, testata e piede compresi (predefinite 72, almeno 14)\n"
     "  --uscita PERCORSO  il file della stampa (predefinito: RegistroCespiti_<AAAA>.txt nella\n"
     "                     cartella Temp dell'applicazione)\n\n"
@@ -29,6 +33,7 @@ const char* const kUso =
 
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
+  const bool bollato = a.Flag("--bollato");
   int righe = RighePagina(a, 72, kMinimoRighePaginaCespiti);
   auto uscitaOpzione = a.Opzione("--uscita");
   int anno = OpzioneIntera(a, "--anno", 1900, 9999);
@@ -49,11 +54,15 @@ int Esegui(Contesto& ctx) {
   arg.nomeFile = uscita;
   arg.anno = anno;
   arg.avar_RighePagina = righe;
+  if (bollato) arg.avar_ProvaBollato = "B";
   clsCespitiRegistro registro;
   registro.cn = db->cn;
   const bool ok = registro.StampaRegistroCespiti(arg);
   ctx.form.Fine();
   if (!ok) {
+    if (registro.Esito().giaBollato)
+      throw ErroreComando("il registro cespiti del " + std::to_string(anno) + " è già stampato in definitivo");
+    if (bollato && registro.Esito().cespiti > 0) throw ErroreComando("il registro cespiti non è stato completato");
     ctx.out << "Nessun dato da stampare.\n";
     return 0;
   }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <map>
 #include <string>
 
@@ -286,6 +287,21 @@ TEST_P(Ammortamenti, RegistroDellAnno) {
   EXPECT_EQ(registro.Esito().ammortamentoFisc, Importo(1600));
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Elaborazione cespiti schede contabili]"), 0);
   ConfrontaGolden("assets/golden/registro_cespiti.txt", LeggiFile(a.nomeFile));
+
+  // Definitive: the sheets of the book numbered from 1, the book's date and next sheet kept;
+  // the same year again is refused and changes nothing.
+  a.avar_ProvaBollato = "B";
+  a.nomeFile = CartellaStampe() + "/RegistroCespitiBollato_2024.txt";
+  ASSERT_TRUE(registro.StampaRegistroCespiti(a));
+  EXPECT_EQ(registro.Esito().primoFoglio, 1);
+  EXPECT_EQ(registro.Esito().prossimoFoglio, 3);
+  EXPECT_EQ(cn->Scalare("SELECT [DataUltimoLibroCespiti] FROM [Progressivi Azienda Vorn]").ComeData(), D(31, 12, 2024));
+  EXPECT_EQ(Conta("SELECT [Numero] FROM [Numerazione Fogli] WHERE [TipoStampa] = 'B' AND [Anno] = 2024"), 3);
+  a.nomeFile = CartellaStampe() + "/RegistroCespitiAncora_2024.txt";
+  EXPECT_FALSE(registro.StampaRegistroCespiti(a));
+  EXPECT_TRUE(registro.Esito().giaBollato);
+  EXPECT_FALSE(std::filesystem::exists(a.nomeFile));
+  EXPECT_EQ(Conta("SELECT [Numero] FROM [Numerazione Fogli] WHERE [TipoStampa] = 'B' AND [Anno] = 2024"), 3);
 }
 
 VORN_SU_DUE_MOTORI(Ammortamenti);

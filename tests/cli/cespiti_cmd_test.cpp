@@ -58,6 +58,11 @@ TEST_P(ComandiCespiti, AcquistoAmmortamentoRegistro) {
   EXPECT_EQ(r.out, stampa + "\n");
   EXPECT_NE(LeggiFile(stampa).find("TOTALE GENERALE"), std::string::npos);
   EXPECT_EQ(Vorn("registro-cespiti", {"--anno", "2023"}).out, "Nessun dato da stampare.\n");
+  r = Vorn("registro-cespiti", {"--anno", "2024", "--bollato", "--uscita", dir->Percorso() + "/Temp/b.txt"});
+  ASSERT_EQ(r.rc, 0) << r.err;
+  r = Vorn("registro-cespiti", {"--anno", "2024", "--bollato", "--uscita", dir->Percorso() + "/Temp/c.txt"});
+  EXPECT_EQ(r.rc, 1);
+  EXPECT_NE(r.err.find("già stampato in definitivo"), std::string::npos) << r.err;
 }
 
 VORN_SU_DUE_MOTORI(ComandiCespiti);
