@@ -50,27 +50,6 @@ int* Quadro(ArgomentiFileSpesometro& a, const std::string& q) {
   return nullptr;
 }
 
-// The quadri of the format that have rows in the extraction.
-void QuadriConDati(clsSpesometro2013& s, ArgomentiFileSpesometro& a, int anno) {
-  auto ha = [](Recordset rs) { return rs.RecordCount() > 0 ? 1 : 0; };
-  if (a.indiceFormato == 0) {
-    a.quadroFA = ha(s.LocalizzaRecordQuadroFE(anno)) | ha(s.LocalizzaRecordQuadroFR(anno)) |
-                 ha(s.LocalizzaRecordQuadroNE(anno)) | ha(s.LocalizzaRecordQuadroNR(anno));
-    a.quadroSA = ha(s.LocalizzaRecordQuadroDF(anno));
-    a.quadroBL = ha(s.LocalizzaRecordQuadroBL_TipoBL002002(anno)) | ha(s.LocalizzaRecordQuadroBL_TipoBL002003(anno)) |
-                 ha(s.LocalizzaRecordQuadroBL_TipoBL002004(anno));
-    return;
-  }
-  a.quadroFE = ha(s.LocalizzaRecordQuadroFE(anno));
-  a.quadroFR = ha(s.LocalizzaRecordQuadroFR(anno));
-  a.quadroNE = ha(s.LocalizzaRecordQuadroNE(anno));
-  a.quadroNR = ha(s.LocalizzaRecordQuadroNR(anno));
-  a.quadroDF = ha(s.LocalizzaRecordQuadroDF(anno));
-  a.quadroFN = ha(s.LocalizzaRecordQuadroFN(anno));
-  a.quadroSE = ha(s.LocalizzaRecordQuadroSE(anno));
-  a.quadroTU = ha(s.LocalizzaRecordQuadroTU(anno));
-}
-
 void VerificaUscita(const std::string& percorso, const RiconosciFile& nostro, const std::string& cosa) {
   try {
     VerificaUscitaFile(percorso, nostro, cosa);
@@ -142,23 +121,12 @@ int Esegui(Contesto& ctx) {
   }
   std::string leggere = file ? *file : telematico.value_or("");
   if (file) {
-    Recordset az2 = db->cn->Execute("SELECT [Codice Fiscale], [Partita IVA], [Codice Attività], [Telefono], [Fax], "
-                                    "[E-mail], [Ragione Sociale] FROM [Tabella Azienda]");
-    if (!az2.Eof()) {
-      arg.codiceFiscaleSoggettoObbligato = TrimTesto(az2(0).Value());
-      arg.partitaIVASRC = TrimTesto(az2(1).Value());
-      arg.codiceAttivitaSRC = TrimTesto(az2(2).Value());
-      arg.telefonoSRC = TrimTesto(az2(3).Value());
-      arg.faxSRC = TrimTesto(az2(4).Value());
-      arg.emailSRC = TrimTesto(az2(5).Value());
-      arg.denominazioneSRC = TrimTesto(az2(6).Value());
-    }
-    if (arg.codiceFiscaleSoggettoObbligato.empty()) arg.codiceFiscaleSoggettoObbligato = arg.partitaIVASRC;
+    s.DatiAzienda(arg);
     arg.nomeFile = *file;
     arg.nomeFileSegnalazioni = nomeSegnalazioni;
     arg.AnnoRiferimento = anno;
     arg.indiceFormato = indiceFormato;
-    if (!quadri) QuadriConDati(s, arg, anno);
+    if (!quadri) s.QuadriConDati(arg, anno);
     long numero = 0;
     int esito = s.MakeFileTelematicoSpesometro(arg, numero);
     ctx.form.Fine();

@@ -27,26 +27,12 @@ void Passo(ContestoDemo& ctx) {
       "SELECT COUNT(*) FROM [Spesometro2013Riepilogato] WHERE [Tipo] = 0 AND [Anno] = ?", {Valore(anno)}));
 
   ArgomentiFileSpesometro a;
-  Recordset az = ctx.cn->Execute("SELECT [Codice Fiscale], [Partita IVA], [Telefono], [E-mail], [Ragione Sociale] "
-                                 "FROM [Tabella Azienda]");
-  if (!az.Eof()) {
-    a.codiceFiscaleSoggettoObbligato = TrimTesto(az(0).Value());
-    a.partitaIVASRC = TrimTesto(az(1).Value());
-    a.telefonoSRC = TrimTesto(az(2).Value());
-    a.emailSRC = TrimTesto(az(3).Value());
-    a.denominazioneSRC = TrimTesto(az(4).Value());
-  }
+  s.DatiAzienda(a);
   a.nomeFile = base + ".txt";
   a.nomeFileSegnalazioni = cartella + "/SegnalazioniSpesometro" + std::to_string(anno) + ".txt";
   a.AnnoRiferimento = anno;
   a.indiceFormato = 1;
-  auto ha = [](Recordset rs) { return rs.RecordCount() > 0 ? 1 : 0; };
-  a.quadroFE = ha(s.LocalizzaRecordQuadroFE(anno));
-  a.quadroFR = ha(s.LocalizzaRecordQuadroFR(anno));
-  a.quadroNE = ha(s.LocalizzaRecordQuadroNE(anno));
-  a.quadroNR = ha(s.LocalizzaRecordQuadroNR(anno));
-  a.quadroFN = ha(s.LocalizzaRecordQuadroFN(anno));
-  a.quadroSE = ha(s.LocalizzaRecordQuadroSE(anno));
+  s.QuadriConDati(a, anno);
   long segnalazioni = 0;
   // A subject without identifiers stops the file: the step says so and the demo goes on.
   bool scritto = s.MakeFileTelematicoSpesometro(a, segnalazioni) >= 0;

@@ -238,7 +238,6 @@ struct Pagine {
   }
 };
 
-bool SuperaImportoMassimo(Importo i) { return Assoluto(i).Arrotonda(0) >= Importo(999999); }
 
 std::string NumeroFatt(const Valore& numero, const Valore& serie) {
   std::string n = T(numero), s = T(serie);
@@ -310,7 +309,9 @@ std::string LeggiFile(const std::string& nome, ContenutoFileSpesometro& c,
     if (pos == std::string::npos) return dove + ": tipo record sconosciuto '" + std::string(1, tipo) + "'";
     size_t prima = precedente ? ordine.find(precedente) : std::string::npos;
     bool ripetibile = tipo == 'C' || tipo == 'D';
-    if ((n == 1) != (tipo == 'A') || (prima != std::string::npos && (pos < prima || (pos == prima && !ripetibile))))
+    if ((n == 1) != (tipo == 'A') || (n == 2) != (tipo == 'B') ||
+        (tipo == 'Z' && precedente != 'E') ||
+        (prima != std::string::npos && (pos < prima || (pos == prima && !ripetibile))))
       return dove + ": record \"" + std::string(1, tipo) + "\" fuori posto";
     precedente = tipo;
     if (tipo == 'B') ++c.recordB;
@@ -816,6 +817,41 @@ void BloccoSoggetto(Recordset& rs, const std::function<void(int, const Valore&, 
 
 }  // namespace
 
+void clsSpesometro2013::DatiAzienda(ArgomentiFileSpesometro& a) {
+  Recordset az = cn->Execute("SELECT [Codice Fiscale], [Partita IVA], [Codice Attività], [Telefono], [Fax], "
+                             "[E-mail], [Ragione Sociale] FROM [Tabella Azienda]");
+  if (az.Eof()) return;
+  a.codiceFiscaleSoggettoObbligato = TrimTesto(az(0).Value());
+  a.partitaIVASRC = TrimTesto(az(1).Value());
+  a.codiceAttivitaSRC = TrimTesto(az(2).Value());
+  a.telefonoSRC = TrimTesto(az(3).Value());
+  a.faxSRC = TrimTesto(az(4).Value());
+  a.emailSRC = TrimTesto(az(5).Value());
+  a.denominazioneSRC = TrimTesto(az(6).Value());
+  if (a.codiceFiscaleSoggettoObbligato.empty()) a.codiceFiscaleSoggettoObbligato = a.partitaIVASRC;
+}
+
+void clsSpesometro2013::QuadriConDati(ArgomentiFileSpesometro& a, int anno) {
+  auto ha = [](Recordset rs) { return rs.RecordCount() > 0 ? 1 : 0; };
+  bool aggregato = a.indiceFormato == 0;
+  int fe = ha(LocalizzaRecordQuadroFE(anno)), fr = ha(LocalizzaRecordQuadroFR(anno)),
+      ne = ha(LocalizzaRecordQuadroNE(anno)), nr = ha(LocalizzaRecordQuadroNR(anno)),
+      df = ha(LocalizzaRecordQuadroDF(anno)), fn = ha(LocalizzaRecordQuadroFN(anno)),
+      se = ha(LocalizzaRecordQuadroSE(anno)), tu = ha(LocalizzaRecordQuadroTU(anno));
+  int bl = ha(LocalizzaRecordQuadroBL_TipoBL002002(anno)) | fn | se;
+  a.quadroFA = aggregato ? (fe | fr | ne | nr) : 0;
+  a.quadroSA = aggregato ? df : 0;
+  a.quadroBL = aggregato ? bl : 0;
+  a.quadroFE = aggregato ? 0 : fe;
+  a.quadroFR = aggregato ? 0 : fr;
+  a.quadroNE = aggregato ? 0 : ne;
+  a.quadroNR = aggregato ? 0 : nr;
+  a.quadroDF = aggregato ? 0 : df;
+  a.quadroFN = aggregato ? 0 : fn;
+  a.quadroSE = aggregato ? 0 : se;
+  a.quadroTU = aggregato ? 0 : tu;
+}
+
 int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometro& a, long& numeroSegnalazioni) {
   numeroSegnalazioni = 0;
   contenuto_ = {};
@@ -1233,6 +1269,10 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
 }
 
 // ================================================================ reading a file back
+
+bool clsSpesometro2013::SuperaImportoMassimo(Importo importo) {
+  return Assoluto(importo).Arrotonda(0) >= Importo(999999);
+}
 
 std::string clsSpesometro2013::GetDescrizioneCampo(const std::string& quadroRigaColonna) {
   const auto& d = Descrizioni();

@@ -119,6 +119,13 @@ class clsSpesometro2013 {
 
   // ------------------------------------------------------------ the file
 
+  // The front page's data of the company, from [Tabella Azienda]: its fiscal code (its VAT
+  // number when it has none), VAT number, activity, telephone, fax, e-mail and name.
+  void DatiAzienda(ArgomentiFileSpesometro& a);
+  // Requests the quadri of the form of a.indiceFormato (0 aggregated FA, SA, BL; 1 analytic FE,
+  // FR, NE, NR, DF, FN, SE, TU) that have rows in the year's extraction, and no other.
+  void QuadriConDati(ArgomentiFileSpesometro& a, int anno);
+
   // Writes the file and its report of signals. The count of signals; -1 when the file was
   // stopped (a subject without identifiers, a file that may not be written): nothing is then
   // left at either name.
@@ -136,6 +143,8 @@ class clsSpesometro2013 {
   bool MakeFileCSV(const std::string& nomeFileSpesometro, const std::string& nomeFileReport);
   bool CaricaCorpoFileSpesometroInGrid(const std::string& nomeFileSpesometro, IGriglia& vsGriglia);
   static std::string GetDescrizioneCampo(const std::string& quadroRigaColonna);
+  // "Conferma importo": the amount, unsigned and rounded to the unit, is 999999 or more.
+  static bool SuperaImportoMassimo(Importo importo);
   const ContenutoFileSpesometro& Contenuto() const { return contenuto_; }
 
   // Recognisers of the files written here, for the checked writer: a statement file (its first

@@ -291,3 +291,41 @@ TEST_P(Spesometro, AFailedExtractionLeavesThePreviousOneIntact) {
   EXPECT_EQ(s.EstraiDatiSpesometroDaPrimaNota(0, 2024, "SM"), 8);
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Spesometro2013Riepilogato]"), 7);
 }
+
+TEST_P(Spesometro, ExcludedCodesAndBlackListedNationsComeInOnlyWithoutFilters) {
+  Libri();
+  // A client in a black-listed nation, and a VAT code kept out of the statement.
+  cn->Esegui("INSERT INTO [Anagrafica Clienti] ([Codice Cliente], [Ragione Sociale], [Codice Nazione], "
+             "[Partita Iva], [Tipo soggetto allegati], [SottocontoApparten]) VALUES ('4', 'Lugano Trading SA', 'CH', "
+             "'CHE123', 2, '0501003')");
+  ASSERT_TRUE(cn->Scalare("SELECT [Nazione Black List] FROM [Nazioni] WHERE [Codice Nazione] = 'CH'").Vero());
+  cn->Esegui("UPDATE [Codici Iva] SET [Tipo operazione spesometro] = 1 WHERE [Codice Iva] = '010'");
+  RegistraDocumento(pn, {"00009", "08/05/2024", "FTV", "1", "01", 7, 0, "500", "C", "4"},
+                    {{"D", "0501003", "500", "C"}, {"A", "7001001", "500"}}, {{"A", "1401001", "022", "500", "0"}});
+  s.cn = cn;
+  // Ordinary: the 10% row of the first sale and the Swiss sale stay out.
+  ASSERT_EQ(s.EstraiDatiSpesometroDaPrimaNota(0, 2024, "SM"), 6);
+  EXPECT_EQ(Somma("SELECT [Imponibile] FROM [Spesometro2013Riepilogato] WHERE [NumeroRegistrazione] = '00001'"),
+            Importo(1000));
+  // Without filters both come in; the Swiss client is on the black list.
+  ASSERT_EQ(s.EstraiDatiSpesometroDaPrimaNota(0, 2024, "SM", true), 8);
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [Spesometro2013Riepilogato] WHERE [FlagBlackList] = ?", {Valore(true)}), 1);
+
+  // BL alone: A, B, a "C" page a subject (the Swiss client, the two subjects from abroad), E, Z.
+  ArgomentiFileSpesometro a = Argomenti("bl.txt");
+  a.indiceFormato = 0;
+  a.quadroBL = 1;
+  long segnalazioni = 0;
+  ASSERT_EQ(s.MakeFileTelematicoSpesometro(a, segnalazioni), 0) << host->Ultimo();
+  auto r = Record(LeggiFile(a.nomeFile));
+  std::string tipi;
+  for (const auto& x : r) tipi += x[0];
+  EXPECT_EQ(tipi, "ABCCEZ");
+  // The black-listed client: a company (kind 2) by name and nation, its VAT number, the flag and the sale.
+  EXPECT_EQ(r[2].substr(89, 24 * 6), "BL001007LUGANO TRADING S" "BL001007+A" + B(14) + "BL001009" + Dx("071") +
+                                         "BL002001CHE123" + B(10) + "BL002002" + Dx("1") + "BL003001" + Dx("500"));
+  EXPECT_EQ(r[2].substr(17, 8), "00000001");
+  EXPECT_EQ(r[3].substr(17, 8), "00000002");
+  EXPECT_NE(r[3].find("BL002004" + Dx("1") + "BL006001" + Dx("1000") + "BL006002" + Dx("220")), std::string::npos);
+  EXPECT_EQ(r[4].substr(89, 24 * 3), "TA003001" + Dx("1") + "TA003003" + Dx("1") + B(24));
+}

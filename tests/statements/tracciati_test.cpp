@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frame/Host.h"
+#include "statements/clsSpesometro2013.h"
 #include "statements/modTracciati.h"
 #include "support/Motori.h"
 
@@ -159,4 +160,11 @@ TEST(RecordTelematico, TheFileIsOneByteACharacter) {
   EXPECT_EQ(TestoTelematico("SOCIETÀ É€✓\n"), std::string("SOCIET\xC0 \xC9\x80? "));
   EXPECT_EQ(DaTestoTelematico(std::string("SOCIET\xC0 \x80")), "SOCIETÀ €");
   EXPECT_EQ(TestoTelematico(std::string("\xFF" "A")), "?A");  // not UTF-8
+}
+
+TEST(RecordTelematico, AmountsFromTheLimitUpAskForConfirmation) {
+  EXPECT_TRUE(clsSpesometro2013::SuperaImportoMassimo(Importo(999999)));
+  EXPECT_TRUE(clsSpesometro2013::SuperaImportoMassimo(*Importo::DaTestoPunto("999998.5")));  // rounds up
+  EXPECT_FALSE(clsSpesometro2013::SuperaImportoMassimo(*Importo::DaTestoPunto("999998.49")));
+  EXPECT_TRUE(clsSpesometro2013::SuperaImportoMassimo(Importo(-1000000)));  // a note, unsigned
 }
