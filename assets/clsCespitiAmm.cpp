@@ -117,6 +117,31 @@ int clsCespitiAmm::GetAnnoInizioUtilizzoCespite(const std::string& codiceCespite
   return GetDataInizioUtilizzoCespite(codiceCespite).Anno();
 }
 
+int clsCespitiAmm::GetMinAnnoMovimentiCespite(const std::string& codiceCespite) {
+  auto d = GetMinDataMovimentiCespite(codiceCespite);
+  return d ? d->Anno() : 0;
+}
+
+int clsCespitiAmm::GetMaxAnnoMovimentiCespite(const std::string& codiceCespite) {
+  auto d = GetMaxDataMovimentiCespite(codiceCespite);
+  return d ? d->Anno() : 0;
+}
+
+int clsCespitiAmm::GetAnniAmmortamentoCespiteAdAnno(const std::string& codiceCespite, int annoAcquisto, int anno) {
+  int anni = 0;
+  auto rs = cn->Execute(std::string("SELECT DISTINCT M.[DataCompetenza]") + kMovimenti +
+                            "WHERE R.[CodiceCespite] = ? AND K.[TipoMovimentazione] IN (11, 12) AND "
+                            "M.[DataCompetenza] >= ? AND M.[DataCompetenza] <= ? ORDER BY M.[DataCompetenza]",
+                        {Valore(codiceCespite), Valore(Gennaio(annoAcquisto)), Valore(Dicembre(anno))});
+  int ultimo = 0;
+  for (; !rs.Eof(); rs.MoveNext())
+    if (auto d = rs.Fields(0).Value().ComeData(); d && d->Anno() != ultimo) {
+      ultimo = d->Anno();
+      ++anni;
+    }
+  return anni;
+}
+
 // ---------------------------------------------------------------- the year's depreciation
 
 int32_t clsCespitiAmm::CalcolaAmmortamento(const ArgomentiAmmortamento& a, EsitoAmmortamento& esito) {
@@ -348,6 +373,57 @@ int32_t clsCespitiAmm::CalcolaAmmortamento(const ArgomentiAmmortamento& a, Esito
   });
   if (a.objFormAttiva) a.objFormAttiva->msgbar("");
   return esito.righe;
+}
+
+// ---------------------------------------------------------------- the base of deductible maintenance
+
+double clsCespitiAmm::GetBaseCalcoloLimiteDeducibilita(IForm* objFormAttiva, int anno, int annoCostituzione,
+                                                      std::string& stringaDatiBaseCalcolo,
+                                                      std::string& stringaErroriRiscontrati) {
+  clsCespiti cespiti;
+  cespiti.cn = cn;
+  clsCespitiCategorie categorie;
+  categorie.cn = cn;
+  std::vector<std::string> codici;
+  {
+    auto rs = cn->Execute("SELECT [CodiceCespite] FROM [Cespiti] ORDER BY [CodiceCespite]");
+    for (; !rs.Eof(); rs.MoveNext()) codici.push_back(Trim(rs.Fields(0).Value().Testo()));
+  }
+  auto errore = [&](const std::string& codice, const std::string& testo) {
+    stringaErroriRiscontrati += "Cespite: " + PadSinistra(Valore(codice), 23) + testo + "\n";
+  };
+  double base = 0;
+  for (const auto& codice : codici) {
+    if (objFormAttiva) objFormAttiva->msgbar("Calcolo base calcolo limite deducibilità cespite: " + codice);
+    if (!cespiti.GetFlagManutenzioneContr(Valore(codice))) continue;
+    if (categorie.GetIndNatura(Valore(cespiti.GetCategoriaCespite(Valore(codice)))) != 0) {
+      errore(codice, " - Riscontrato il flag Manutenzioni Contrattuali per un bene immateriale, il cespite non è "
+                     "considerato nella calcolo.");
+      continue;
+    }
+    const Data acquisto = GetDataAcquistoCespite(codice);
+    if (acquisto == DataVuotaCespiti()) {
+      errore(codice, " - Il cespite ha il flag Manutenzioni Contrattuali ma non ha una data di acquisto, non è stato "
+                     "considerato nel calcolo.");
+      continue;
+    }
+    const int vendita = GetDataVenditaDismissioneCespite(codice).Anno();
+    const bool costituzione = anno == annoCostituzione;
+    if (acquisto.Anno() > anno || (acquisto.Anno() == anno && !costituzione) || vendita < anno ||
+        (vendita == anno && costituzione))
+      continue;
+    if (objFormAttiva) objFormAttiva->msgbar("Creazione scheda cespite: " + codice);
+    const int annoValore = costituzione ? anno : anno - 1;
+    auto scheda = SchedaCespite(codice, annoValore);
+    if (scheda.empty() || scheda.back().anno != annoValore) continue;
+    const double valore = scheda.back().valore[0];
+    base += valore * cespiti.GetPercDeducFisc(Valore(codice)) / 100;
+    stringaDatiBaseCalcolo += "Cespite: " + codice + " - Valore cespite al 31/12/" + std::to_string(annoValore) +
+                              " : " + PadDestra(Valore(Format(Valore(valore), "###,###,###,##0.000")), 16) +
+                              " - DataAcq.: " + PadSinistra(Valore(acquisto.Testo()), 10) + "\n";
+  }
+  if (objFormAttiva) objFormAttiva->msgbar("");
+  return base;
 }
 
 // ---------------------------------------------------------------- the card

@@ -100,6 +100,18 @@ class clsCespitiAmm {
   std::optional<Data> GetMinDataMovimentiCespite(const std::string& codiceCespite);
   std::optional<Data> GetMaxDataMovimentiCespite(const std::string& codiceCespite);
   int GetAnnoInizioUtilizzoCespite(const std::string& codiceCespite);
+  // The years of the first and the last movement; 0 without movements.
+  int GetMinAnnoMovimentiCespite(const std::string& codiceCespite);
+  int GetMaxAnnoMovimentiCespite(const std::string& codiceCespite);
+  // The distinct years from annoAcquisto to anno with depreciation movements.
+  int GetAnniAmmortamentoCespiteAdAnno(const std::string& codiceCespite, int annoAcquisto, int anno);
+
+  // The base of the ceiling on deductible maintenance: the deductible share of the fiscal value
+  // of the assets under contractual maintenance, at the end of the year before `anno` (of
+  // `anno` itself in the year the company was formed). One line a counted asset in
+  // stringaDatiBaseCalcolo, one line a problem in stringaErroriRiscontrati.
+  double GetBaseCalcoloLimiteDeducibilita(IForm* objFormAttiva, int anno, int annoCostituzione,
+                                          std::string& stringaDatiBaseCalcolo, std::string& stringaErroriRiscontrati);
 
   // The card of an asset, one element a year from the start of use (or the first movement) to
   // `maxAnno` (or the last movement).

@@ -37,13 +37,13 @@ class Ammortamenti : public AziendaStandardTest {
   }
 
   void Cespite(const std::string& codice, const std::string& categoria, double ordFisc, double antFisc, double civ,
-               double limite = 0, double deducibile = 0) {
+               double limite = 0, double deducibile = 0, bool manutenzione = false) {
     clsCespiti c;
     c.cn = cn;
     bool cancel = false;
     ASSERT_TRUE(c.SalvaRecord(Valore(codice), Valore("Bene " + codice), Valore(""), Valore(""), Valore(""),
                               Valore(categoria), Valore(""), Valore(civ), Valore(0.0), Valore(ordFisc), Valore(antFisc),
-                              Valore(limite), Valore(deducibile), Valore("0"), Valore("0"), Valore(false),
+                              Valore(limite), Valore(deducibile), Valore("0"), Valore("0"), Valore(manutenzione),
                               Valore(false), Valore(""), Valore("T"), 0, cancel));
   }
   void Movimento(const std::string& causale, const Data& data, const std::string& codice, double importo) {
@@ -266,6 +266,28 @@ TEST_P(Ammortamenti, UnAnnoCancellatoSiRicalcola) {
   movimenti.CancellaAmmortamentiCespitiMovimentiRighe();
   movimenti.CancellaAmmortamentiCespitiMovimentiTestate();
   EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiRighe]"), 1);
+}
+
+TEST_P(Ammortamenti, BaseDelleManutenzioniDeducibili) {
+  Cespite("MAC1", "12", 12, 0, 12, 0, 100, true);
+  Movimento("ACQ", D(1, 7, 2023), "MAC1", 10000);
+  Movimento("MAN", D(1, 3, 2024), "MAC1", 500);  // this year's: not in the base of 2024
+  Cespite("MAC2", "12", 12, 0, 12, 0, 100, true);
+  Movimento("ACQ", D(1, 2, 2024), "MAC2", 8000);  // bought this year: left out
+  Cespite("SW1", "02", 20, 0, 20, 0, 100, true);
+  Movimento("ACQ", D(1, 1, 2023), "SW1", 1000);
+  Cespite("MAC3", "12", 12, 0, 12, 0, 100);  // no contractual maintenance
+  Movimento("ACQ", D(1, 1, 2023), "MAC3", 9000);
+  std::string dati, errori;
+  EXPECT_DOUBLE_EQ(amm.GetBaseCalcoloLimiteDeducibilita(nullptr, 2024, 2000, dati, errori), 10000);
+  EXPECT_EQ(errori, "Cespite: SW1" + std::string(20, ' ') +
+                        " - Riscontrato il flag Manutenzioni Contrattuali per un bene immateriale, il cespite non è "
+                        "considerato nella calcolo.\n");
+  EXPECT_EQ(dati.substr(0, 44), "Cespite: MAC1 - Valore cespite al 31/12/2023");
+  // In the year the company was formed, the value of the year itself, this year's purchases too.
+  dati.clear();
+  errori.clear();
+  EXPECT_DOUBLE_EQ(amm.GetBaseCalcoloLimiteDeducibilita(nullptr, 2024, 2024, dati, errori), 10500 + 8000);
 }
 
 TEST_P(Ammortamenti, RegistroDellAnno) {
