@@ -227,6 +227,15 @@ TEST_P(Spesometro, TheFileHasFixedRecordsInItsCodePageAndReadsBack) {
   EXPECT_NE(LeggiFile(csv).find("\"1\";\"FE\";\"002\";\"002\";=\"RSSMRA80A01H501U\";\"Codice Fiscale del cliente\""),
             std::string::npos);
 
+  // The client's grid gets the same fields, its cells split by "|".
+  struct Griglia : IGriglia {
+    std::vector<std::string> righe;
+    void AddItem(const std::string& r) override { righe.push_back(r); }
+  } griglia;
+  ASSERT_TRUE(s.CaricaCorpoFileSpesometroInGrid(a.nomeFile, griglia));
+  ASSERT_EQ(static_cast<long>(griglia.righe.size()), campi);
+  EXPECT_EQ(griglia.righe[0], "1|FE|001|001|01234567897|Partita IVA del cliente");
+
   // A file that is not one of ours is refused, and left as it was.
   std::ofstream(app + "/altro.txt") << "dati\n";
   EXPECT_FALSE(s.EseguiVerificheFileSpesometroGenerato(a.nomeFile, app + "/altro.txt"));
@@ -237,6 +246,9 @@ TEST_P(Spesometro, TheFileHasFixedRecordsInItsCodePageAndReadsBack) {
   std::ofstream(app + "/rotto.txt", std::ios::binary) << rotto;
   EXPECT_FALSE(s.EseguiVerificheFileSpesometroGenerato(app + "/rotto.txt", verifica));
   EXPECT_NE(LeggiFile(verifica).find("File non conforme: record 3: 1897 caratteri invece di 1898"), std::string::npos);
+  griglia.righe.clear();
+  EXPECT_FALSE(s.CaricaCorpoFileSpesometroInGrid(app + "/rotto.txt", griglia));
+  EXPECT_TRUE(griglia.righe.empty());  // nothing of a broken file reaches the grid
 }
 
 TEST_P(Spesometro, ASubjectWithoutIdentifiersStopsTheFileAndOtherChecksOnlySignal) {

@@ -72,7 +72,11 @@ TEST(FormatiNonPosizionali, SixteenCharactersEach) {
   const Valore data(*Data::Crea(2024, 3, 7));
   Verifica({
       {"AN", FormatNonPosAN(Valore("àbc")), "ÀBC" + B(13)},
+      {"AN too long is cut", FormatNonPosAN(Valore("abcdefghijklmnopq")), "ABCDEFGHIJKLMNOP"},
       {"CF", FormatNonPosCF(Valore("x")), "X" + B(15)},
+      {"CN", FormatNonPosCN(Valore(" roma ")), "ROMA" + B(12)},
+      {"PR", FormatNonPosPR(Valore("mi")), "MI" + B(14)},
+      {"PE", FormatNonPosPE(Valore("è")), "È" + B(15)},
       {"PI", FormatNonPosPI(Valore("1")), "00000000001" + B(5)},
       {"CB", FormatNonPosCB(Valore(1)), B(15) + "1"},
       {"CB not numeric", FormatNonPosCB(Valore("x")), B(15) + "0"},
