@@ -276,6 +276,23 @@ std::string CodaPagina(RecordTelematico& r, const std::string& corpo) {
   return r.Testo();
 }
 
+}  // namespace
+
+std::vector<std::string> RecordDellaPagina(char tipo, const std::string& codiceFiscale, long modulo,
+                                           const std::string& pagina) {
+  // By characters: a field of 24 characters may take more bytes, and 1800 characters are 75
+  // whole fields.
+  std::vector<std::string> v;
+  const size_t caratteri = LunghezzaTesto(pagina);
+  for (size_t da = 1; da <= caratteri; da += 1800) {
+    RecordTelematico r = TestaPagina(tipo, codiceFiscale, modulo);
+    v.push_back(CodaPagina(r, MedioTesto(pagina, da, 1800)));
+  }
+  return v;
+}
+
+namespace {
+
 // One field read back from the body of a page record.
 struct CampoLetto {
   long modulo = 0;
@@ -1228,9 +1245,8 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
                           vbExclamation, kTitolo);
             continue;
           }
-          for (size_t da = 0; da < testo.size(); da += 1800) {
-            RecordTelematico r = TestaPagina(tipo, cf, static_cast<long>(i + 1));
-            scrivi(CodaPagina(r, testo.substr(da, 1800)));
+          for (const auto& record : RecordDellaPagina(tipo, cf, static_cast<long>(i + 1), testo)) {
+            scrivi(record);
             ++conta;
           }
         }

@@ -53,6 +53,12 @@ struct ContenutoFileSpesometro {
   long campi = 0;
 };
 
+// The records of a page: its head ("C" or "D", the fiscal code, the module) and its body, 1800
+// characters (75 fields) a record, left-aligned; a longer page goes on in further records of the
+// same module.
+std::vector<std::string> RecordDellaPagina(char tipo, const std::string& codiceFiscale, long modulo,
+                                           const std::string& pagina);
+
 class clsSpesometro2013 {
  public:
   ConnessioneClasse cn;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frame/Host.h"
+#include "frame/Comuni.h"
 #include "statements/clsSpesometro2013.h"
 #include "statements/modTracciati.h"
 #include "support/Motori.h"
@@ -171,4 +172,23 @@ TEST(RecordTelematico, AmountsFromTheLimitUpAskForConfirmation) {
   EXPECT_TRUE(clsSpesometro2013::SuperaImportoMassimo(*Importo::DaTestoPunto("999998.5")));  // rounds up
   EXPECT_FALSE(clsSpesometro2013::SuperaImportoMassimo(*Importo::DaTestoPunto("999998.49")));
   EXPECT_TRUE(clsSpesometro2013::SuperaImportoMassimo(Importo(-1000000)));  // a note, unsigned
+}
+
+TEST(RecordTelematico, APageOfMoreThan75FieldsGoesOnInARecordOfTheSameModule) {
+  // 76 fields, the first with accented letters (more bytes, the same characters).
+  std::string pagina;
+  AccodaCampoNonPosizionale(pagina, "SE001007", Valore("àèìòù"), "AN");
+  for (int i = 1; i < 76; ++i) AccodaCampoNonPosizionale(pagina, "SE001015", Valore(i), "NP");
+  auto r = RecordDellaPagina('D', "01234567890", 7, pagina);
+  ASSERT_EQ(r.size(), 2u);
+  for (const auto& x : r) {
+    EXPECT_EQ(LunghezzaTesto(x), 1898u);
+    EXPECT_EQ(MedioTesto(x, 1, 25), "D01234567890     00000007");
+  }
+  // The first body is full: 75 fields, no blank before its filler.
+  EXPECT_EQ(MedioTesto(r[0], 90, 24), "SE001007ÀÈÌÒÙ" + B(11));
+  EXPECT_EQ(MedioTesto(r[0], 90 + 24 * 74, 24), "SE001015" + B(14) + "74");
+  EXPECT_EQ(MedioTesto(r[0], 1890, 9), B(8) + "A");
+  EXPECT_EQ(MedioTesto(r[1], 90, 25), "SE001015" + B(14) + "75 ");
+  EXPECT_TRUE(RecordDellaPagina('C', "X", 1, "").empty());
 }
