@@ -290,6 +290,17 @@ TEST_P(Ammortamenti, BaseDelleManutenzioniDeducibili) {
   EXPECT_DOUBLE_EQ(amm.GetBaseCalcoloLimiteDeducibilita(nullptr, 2024, 2024, dati, errori), 10500 + 8000);
 }
 
+TEST_P(Ammortamenti, OrdinarioEAnticipatoCheEsaurisconoIlResiduoSiPareggiano) {
+  Cespite("ATT1", "13", 15, 15, 15);
+  Movimento("ACQ", D(1, 1, 2023), "ATT1", 1000);
+  Movimento("VFO", D(31, 12, 2023), "ATT1", 800);
+  Calcola(2024);
+  // Residual 200: ordinary 150, anticipated 150 cut to the 50 left; together 200, half each.
+  // The civil track has no anticipated part: 15% of 1.000 within the civil residual of 200.
+  EXPECT_EQ(Righe(D(31, 12, 2024), 11), (std::map<std::string, Terna>{{"ATT1", {100, 100, 150}}}));
+  EXPECT_EQ(Righe(D(31, 12, 2024), 12), (std::map<std::string, Terna>{{"ATT1", {100, 100, 0}}}));
+}
+
 TEST_P(Ammortamenti, RegistroDellAnno) {
   Cespite("MAC1", "12", 12, 12, 12);
   Movimento("ACQ", D(1, 7, 2024), "MAC1", 10000);
