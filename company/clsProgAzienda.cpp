@@ -344,6 +344,12 @@ int32_t clsProgAzienda::PrendiNumeroDistintaBonifici() {
   return PrendiNumero(*cn, c);
 }
 
+int32_t clsProgAzienda::PrendiNumeroDistintaEffetti() {
+  Contatore c = ContatoreScadenziario("Progressivo", "DIE", "Numero Distinta");
+  c.sqlMassimo = "SELECT MAX([Numero Distinta]) FROM [Distinte]";
+  return PrendiNumero(*cn, c);
+}
+
 int32_t clsProgAzienda::PrendiNumeroMovimentoCespiti() {
   ChiaveComposta chiave("Progressivi Numerazione Vorn");
   chiave.Testo("TipoRegistro", Valore("CES"))

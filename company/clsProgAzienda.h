@@ -121,6 +121,8 @@ class clsProgAzienda {
   // The next number of a transfer remittance list: one above the higher of the 'DIB' row's
   // Progressivo and the highest [Numero Distinta] of [Distinte Bonifici], written back.
   int32_t PrendiNumeroDistintaBonifici();
+  // The next number of a list of client effects: the 'DIE' row against [Distinte].
+  int32_t PrendiNumeroDistintaEffetti();
 
  private:
   bool AggiornaRiga(const Valore& clientID, long hWnd, const std::function<void(Recordset&)>& assegna);

@@ -271,6 +271,12 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
         pn.AggiornaProgressiviPrimaNota(Reg(n), dataReg, Valore("0"), Valore("00"), serie, numDoc, dataDoc, Valore(0),
                                         a.clientID, a.hWnd);
         Aggiorna_Campo_Effetto_Contabilizzato(np, true);
+        // A list whose papers go straight to its bank is presented by them: it is stamped
+        // posted with its first paper, and never presented a second time.
+        if (a.bool_ContabilizzazioneDiretta)
+          c.Esegui("UPDATE [Distinte] SET [Contabilizzata] = ? WHERE [Numero Distinta] IN (SELECT [Numero Distinta] "
+                   "FROM [Distinte Righe] WHERE [Numero Progressivo] = ?) AND " + Chiaro("[Contabilizzata]"),
+                   {si, np, no, no});
         return true;
       });
       if (!avanti) break;

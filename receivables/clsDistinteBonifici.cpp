@@ -356,6 +356,57 @@ int32_t clsDistinteBonifici::CreaDistinta(const NuovaDistintaBonifici& d, const 
 
 // ---------------------------------------------------------------- effects' lists
 
+int32_t clsDistinteEffetti::CreaDistinta(const NuovaDistintaEffetti& d, const std::vector<int32_t>& rate,
+                                         const Valore& clientID, long hWnd) {
+  const Valore data = DataIngresso(d.Data_Distinta, "data della distinta");
+  if (data.IsNull()) throw ErroreDb(13, "CreaDistinta: data della distinta mancante");
+  int32_t numero = 0;
+  ConRiprova(*cn, [&] {
+    numero = 0;
+    Atomico unita(*cn);
+    clsProgAzienda prog;
+    prog.cn = static_cast<const std::shared_ptr<Connessione>&>(cn);
+    Importo totale;
+    long prese = 0;
+    for (int32_t np : rate) {
+      if (numero == 0) numero = prog.PrendiNumeroDistintaEffetti();
+      // Taken only while still free: a client's, in no list, not posted, not suspended.
+      if (cn->Esegui("UPDATE [Scadenziario] SET [Distinta] = ?, [Emesso] = ?, [Tipo Presentazione] = '', "
+                     "[Codice Banca presentazione] = ?, [Codice Agenzia presentazione] = ?, [Data presentazione] = ?, "
+                     "[Progressivo Distinta] = ? WHERE [Numero Progressivo] = ? AND [Tipo] = 'CL' AND " +
+                         std::string("COALESCE([Distinta], ?) = ? AND COALESCE([Contabilizzato], ?) = ? AND "
+                                     "COALESCE([Sospeso], ?) = ? AND COALESCE([Flag Unificata], 0) <> 2"),
+                     {Valore(true), Valore(d.Emessa), Valore(TrimTesto(d.Codice_Banca)),
+                      Valore(TrimTesto(d.Codice_Agenzia)), data, Valore(numero), Valore(np), Valore(false),
+                      Valore(false), Valore(false), Valore(false), Valore(false), Valore(false)}) == 0)
+        continue;
+      cn->Esegui("INSERT INTO [Distinte Righe] ([Numero Distinta], [Numero Progressivo]) VALUES (?, ?)",
+                 {Valore(numero), Valore(np)});
+      totale += NullToZeroCy(
+          cn->Scalare("SELECT [Importo Scadenza] FROM [Scadenziario] WHERE [Numero Progressivo] = ?", {Valore(np)}));
+      ++prese;
+    }
+    if (prese == 0) {
+      numero = 0;
+      return;
+    }
+    bool cancel = false;
+    SalvaRecordProtocollo(*cn, "Distinte", "[Numero Distinta] = ?", {Valore(numero)}, clientID, hWnd, cancel,
+                          [&](Recordset& rs, bool) {
+                            rs("Numero Distinta") = Valore(numero);
+                            rs("Data Distinta") = data;
+                            rs("Codice Banca") = Valore(TrimTesto(d.Codice_Banca));
+                            rs("Codice Agenzia") = Valore(TrimTesto(d.Codice_Agenzia));
+                            rs("ImportoDistinta") = Valore(totale);
+                            rs("EffettiEmessi") = Valore(d.Emessa);
+                            rs("Contabilizzata") = Valore(false);
+                            rs("SottocontoBanca") = Valore(TrimTesto(d.SottocontoBanca));
+                          });
+    unita.Conferma();
+  });
+  return numero;
+}
+
 bool clsDistinteEffetti::GetSottocontoBanca(const Valore& Numero_progressivo, Valore& SottocontoBanca) {
   Recordset rs = cn->Execute(
       "SELECT [Distinte].[SottocontoBanca] FROM [Distinte] INNER JOIN [Distinte Righe] ON [Distinte].[Numero "

@@ -11,6 +11,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "frame/ConnessioneClasse.h"
 #include "frame/Db.h"
@@ -91,9 +92,23 @@ class clsDistinteBonifici {
   bool EmettiDistinta(const Valore& Numero_Distinta);
 };
 
+// A new list of client effects (clsDistinteEffetti::CreaDistinta).
+struct NuovaDistintaEffetti {
+  Valore Data_Distinta;
+  Valore Codice_Banca, Codice_Agenzia;  // the company's bank the papers are presented to
+  Valore SottocontoBanca;               // the account the presentation debits; empty: the bank's
+  bool Emessa = true;                   // the flow already made: issued at once
+};
+
 class clsDistinteEffetti {
  public:
   ConnessioneClasse cn;
+  // A list of the given client instalments, all or nothing: its number (from the company's
+  // counters), the head with the total, a row each, each instalment presented to the bank (and
+  // issued when the list is). An instalment already in a list, posted, suspended or not a
+  // client's is left out; 0 and nothing written when none is left.
+  int32_t CreaDistinta(const NuovaDistintaEffetti& d, const std::vector<int32_t>& rate, const Valore& clientID,
+                       long hWnd);
   // The bank account of the effects' list that holds the instalment; false when none does.
   bool GetSottocontoBanca(const Valore& Numero_progressivo, Valore& SottocontoBanca);
   bool AzzeraArchivio();
