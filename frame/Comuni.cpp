@@ -212,6 +212,13 @@ int Logico(const Valore& v) {
 
 RegolaImporto RegolaFormattaImporto(const std::optional<Valore>& codiceValuta,
                                     const std::optional<Valore>& usaDecimaliPrezzi) {
+  return RegolaFormattaImporto(codiceValuta, usaDecimaliPrezzi,
+                               [](const Valore& codice) { return DecimaliValuta(codice); });
+}
+
+RegolaImporto RegolaFormattaImporto(const std::optional<Valore>& codiceValuta,
+                                    const std::optional<Valore>& usaDecimaliPrezzi,
+                                    const LettoreDecimaliValuta& decimaliValuta) {
   RegolaImporto r;
   if (!codiceValuta) {
     if (!usaDecimaliPrezzi) {
@@ -226,7 +233,7 @@ RegolaImporto RegolaFormattaImporto(const std::optional<Valore>& codiceValuta,
   if (codiceValuta->TestoTrim().empty() && usaDecimaliPrezzi && Logico(*usaDecimaliPrezzi) == 1)
     r.decimali = G().DecimaliPrezziValutaConto;
   else
-    r.decimali = NullToZeroLng(DecimaliValuta(*codiceValuta));
+    r.decimali = NullToZeroLng(decimaliValuta(*codiceValuta));
   r.maschera = MascheraImporto(r.decimali, false);
   return r;
 }

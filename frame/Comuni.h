@@ -93,6 +93,12 @@ struct RegolaImporto {
 };
 RegolaImporto RegolaFormattaImporto(const std::optional<Valore>& codiceValuta,
                                     const std::optional<Valore>& usaDecimaliPrezzi);
+// The same rule with the decimals of a named currency read by `decimaliValuta` in place of
+// DecimaliValuta (a class that reads them on its own connection).
+using LettoreDecimaliValuta = std::function<Valore(const Valore& codiceValuta)>;
+RegolaImporto RegolaFormattaImporto(const std::optional<Valore>& codiceValuta,
+                                    const std::optional<Valore>& usaDecimaliPrezzi,
+                                    const LettoreDecimaliValuta& decimaliValuta);
 
 // An amount for display ("1.234,50").
 std::string FormattaImporto(const Valore& importo, const std::optional<Valore>& codiceValuta = std::nullopt,

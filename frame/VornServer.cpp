@@ -121,7 +121,11 @@ void ColoreAbilitato(IControllo* c, bool abilitato) {
 Valore DecimaliValuta(const Valore& CodiceValuta) {
   auto cn = G().ConnessioneGlobale;
   if (!cn) return Valore(G().DecimaliImporti);
-  auto rs = cn->Execute("SELECT Valute.[Numero decimali valuta] From Valute WHERE Valute.[Codice Valuta]=?;",
+  return DecimaliValuta(*cn, CodiceValuta);
+}
+
+Valore DecimaliValuta(Connessione& cn, const Valore& CodiceValuta) {
+  auto rs = cn.Execute("SELECT Valute.[Numero decimali valuta] From Valute WHERE Valute.[Codice Valuta]=?;",
                         {Valore(CodiceValuta.Testo())});
   if (rs.Eof()) return Valore(G().DecimaliImporti);
   const Valore& v = rs.Fields(0).Value();

@@ -47,6 +47,8 @@ void ColoreAbilitato(IControllo* c, bool abilitato);
 
 // Decimals of a currency, read on the global connection; DecimaliImporti when it has no row.
 Valore DecimaliValuta(const Valore& CodiceValuta);
+// The same on a given connection (a class's own `cn`).
+Valore DecimaliValuta(Connessione& cn, const Valore& CodiceValuta);
 
 class clsLookup {
  public:
