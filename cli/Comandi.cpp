@@ -1,4 +1,5 @@
 #include "cli/Comandi.h"
+#include "frame/Versione.h"
 
 #include <sys/stat.h>
 

@@ -155,9 +155,20 @@ Valore Converti(const std::string& campo, const ColonnaCatalogo& col, const std:
 
 std::string Quadre(const std::string& n) { return "[" + n + "]"; }
 
+std::string& CartellaModelliApplicazione() {
+  static std::string c;
+  return c;
+}
+
 }  // namespace
 
+void ImpostaCartellaModelli(const std::string& cartella) { CartellaModelliApplicazione() = cartella; }
+
 std::string CartellaModelli() {
+  if (const std::string& c = CartellaModelliApplicazione(); !c.empty()) {
+    if (CartellaValida(c)) return c;
+    throw ErroreModello("La cartella dei modelli indicata dall'applicazione non esiste: " + c);
+  }
   if (const char* e = std::getenv("VORN_MODELLI"); e && *e) {
     if (CartellaValida(e)) return e;
     throw ErroreModello(std::string("La cartella dei modelli indicata da VORN_MODELLI non esiste: ") + e);
@@ -167,6 +178,9 @@ std::string CartellaModelli() {
     fs::path p = fs::path(VORN_SOURCE_DIR) / "interchange" / "modelli";
     if (CartellaValida(p)) return p.string();
   }
+#endif
+#ifdef VORN_MODELLI_INSTALLATI
+  if (CartellaValida(VORN_MODELLI_INSTALLATI)) return VORN_MODELLI_INSTALLATI;
 #endif
   std::string exe = CartellaEseguibile();
   if (!exe.empty()) {

@@ -40,10 +40,15 @@ struct DatiModello {
   std::vector<std::vector<Valore>> righe;
 };
 
-// The folder that holds the models: $VORN_MODELLI when set, else the source tree's
-// interchange/modelli, else share/vorn/modelli beside the installed program. ErroreModello when
-// none exists.
+// The folder that holds the models: the one the application set (ImpostaCartellaModelli), else
+// $VORN_MODELLI when set, else the source tree's interchange/modelli, else share/vorn/modelli of
+// the prefix the library was installed to, else share/vorn/modelli beside the running program.
+// ErroreModello when none exists.
 std::string CartellaModelli();
+// The application's own folder of models (a client linked to an installed library passes the one
+// its package names: vorn_MODELLI in CMake, the variable modelli in pkg-config); empty text goes
+// back to the search above. Set it before any company is created from a model.
+void ImpostaCartellaModelli(const std::string& cartella);
 // The names of the models found there ("semplificato", "standard"), sorted.
 std::vector<std::string> ModelliDisponibili();
 // The tables of a model in their load order.

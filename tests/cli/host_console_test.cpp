@@ -5,6 +5,7 @@
 
 #include "cli/Comandi.h"
 #include "cli/HostConsole.h"
+#include "frame/Versione.h"
 
 using namespace vorn;
 
