@@ -916,6 +916,17 @@ long NumeroPositivo(Argomenti& a, const std::string& nome, long predefinito, lon
   return static_cast<long>(*n);
 }
 
+// How the steps name the company in the commands they suggest: the file, or the options of the
+// database.
+std::string ArgomentiAziendaTesto(const AziendaCli& az) {
+  if (!az.postgres) return az.file;
+  std::string t = "--pg-database " + az.pg.database;
+  if (!az.pg.host.empty()) t += " --pg-host " + az.pg.host;
+  if (!az.pg.user.empty()) t += " --pg-user " + az.pg.user;
+  if (!az.pg.schema.empty()) t += " --pg-schema " + az.pg.schema;
+  return t;
+}
+
 int Demo(Contesto& ctx) {
   OpzioniDemo o;
   o.seme = static_cast<uint64_t>(NumeroPositivo(ctx.args, "--seme", 1, 2147483647L));
@@ -924,18 +935,25 @@ int Demo(Contesto& ctx) {
   o.registrazioni = NumeroPositivo(ctx.args, "--registrazioni", o.registrazioni, 10000000);
   o.anno = static_cast<int>(NumeroPositivo(ctx.args, "--anno", o.anno, 9999));
   if (o.anno < 1900) throw ErroreUso("--anno vuole un anno dal 1900");
-  std::string cartella = ctx.args.Posizionale("la cartella della demo (DIR)");
-  ctx.args.Fine();
-
-  std::error_code ec;
-  std::filesystem::create_directories(cartella, ec);
-  if (ec) throw ErroreComando("Impossibile creare la cartella " + cartella + ": " + ec.message());
+  // The company: DIR/azienda.db, or a new PostgreSQL database (or schema) named by --pg-*.
   AziendaCli az;
-  az.file = (std::filesystem::path(cartella) / "azienda.db").string();
+  if (Argomenti(ctx.args).Opzione("--pg-database")) {
+    az = LeggiAzienda(ctx.args);
+    if (ctx.args.PosizionaleFacoltativo())
+      throw ErroreUso("con --pg-database l'azienda della demo è il database: la cartella DIR non va indicata");
+  } else {
+    std::string cartella = ctx.args.Posizionale("la cartella della demo (DIR), o --pg-database");
+    std::error_code ec;
+    std::filesystem::create_directories(cartella, ec);
+    if (ec) throw ErroreComando("Impossibile creare la cartella " + cartella + ": " + ec.message());
+    az.file = (std::filesystem::path(cartella) / "azienda.db").string();
+  }
+  ctx.args.Fine();
   {
     std::shared_ptr<Connessione> cn;
+    auto modello = [](Connessione& c) { CaricaModello(c, "standard"); };
     try {
-      cn = CreaAziendaSqlite(az.file, [](Connessione& c) { CaricaModello(c, "standard"); });
+      cn = az.postgres ? CreaAziendaPostgres(az.pg, modello) : CreaAziendaSqlite(az.file, modello);
     } catch (const ErroreDb& e) {
       throw ErroreComando(e.Descrizione());
     }
@@ -947,8 +965,10 @@ int Demo(Contesto& ctx) {
   // commits each document; a demo company that stops half way is removed, so those commits
   // need not wait for the disk until the company is filled (the journal of the database keeps
   // it whole all the same).
-  db->cn->Esegui("PRAGMA cache_size=-65536");
-  db->cn->Esegui("PRAGMA synchronous=NORMAL");
+  if (!az.postgres) {
+    db->cn->Esegui("PRAGMA cache_size=-65536");
+    db->cn->Esegui("PRAGMA synchronous=NORMAL");
+  }
   ctx.form.Caption("Demo: " + std::to_string(o.clienti) + " clienti, " + std::to_string(o.fornitori) +
                    " fornitori, " + std::to_string(o.registrazioni) + " registrazioni nel " +
                    std::to_string(o.anno) + " (seme " + std::to_string(o.seme) + ")");
@@ -958,15 +978,26 @@ int Demo(Contesto& ctx) {
   } catch (...) {
     // A demo company that stopped half way is no demo: it goes.
     db->DisconnettiDatabase();
-    for (const char* parte : {"", "-wal", "-shm"}) std::filesystem::remove(az.file + parte, ec);
+    if (az.postgres) {
+      try {
+        EliminaAziendaPostgres(az.pg);
+      } catch (const ErroreDb& e) {
+        ctx.form.Fine();
+        Host().MsgBox("L'azienda della demo, interrotta, non si è potuta eliminare: " + e.Descrizione(),
+                      vbExclamation, "Demo");
+      }
+    } else {
+      std::error_code ec;
+      for (const char* parte : {"", "-wal", "-shm"}) std::filesystem::remove(az.file + parte, ec);
+    }
     throw;
   }
-  db->cn->Esegui("PRAGMA synchronous=FULL");
+  if (!az.postgres) db->cn->Esegui("PRAGMA synchronous=FULL");
   ctx.form.Fine();
   ctx.out << "Documenti di vendita contabilizzati: " << esito.documenti << " (vorn contabilizza-fatture), "
           << esito.registrazioniDocumenti << " registrazioni\n";
 
-  ContestoDemo passi{db->cn, az.file, o, esito, ctx.out, &ctx.form, {}, {}};
+  ContestoDemo passi{db->cn, ArgomentiAziendaTesto(az), o, esito, ctx.out, &ctx.form, {}, {}};
   EseguiPassiDemo(passi);
   ctx.form.Fine();
   db->DisconnettiDatabase();
@@ -974,8 +1005,9 @@ int Demo(Contesto& ctx) {
 }
 
 const char* const kUsoDemo =
-    "Uso: vorn demo DIR [--seme N] [--clienti N] [--fornitori N] [--registrazioni N] [--anno AAAA]\n\n"
-    "Crea DIR/azienda.db dal modello standard e la riempie di clienti, fornitori e di un anno di\n"
+    "Uso: vorn demo (DIR | --pg-database DB [--pg-host HOST[:PORTA]] [--pg-user UTENTE] [--pg-schema S])\n"
+    "               [--seme N] [--clienti N] [--fornitori N] [--registrazioni N] [--anno AAAA]\n\n"
+    "Crea DIR/azienda.db (o, con --pg-database, un nuovo database PostgreSQL) dal modello standard e la riempie di clienti, fornitori e di un anno di\n"
     "registrazioni: fatture e note di credito di vendita scritte nell'archivio delle fatture con le\n"
     "righe, la tabella IVA e le scadenze, e contabilizzate come fa vorn contabilizza-fatture (con\n"
     "split payment, acconti, ritenute, abbuoni e omaggi); fatture e note di credito di acquisto con\n"
@@ -999,7 +1031,11 @@ const char* const kUsoDemo =
     "                      milione di righe); oltre 99999 i numeri di registrazione\n"
     "                      passano a sei cifre\n"
     "  --anno AAAA         l'anno delle registrazioni (2024)\n\n"
-    "Un file DIR/azienda.db che esiste già non viene toccato: il comando termina con un errore.\n";
+    "Un file DIR/azienda.db che esiste già non viene toccato: il comando termina con un errore; così\n"
+    "un database PostgreSQL (o lo schema indicato) che contiene già delle tabelle. Con lo stesso seme\n"
+    "e le stesse opzioni le due basi di dati danno gli stessi libri. La password PostgreSQL si legge\n"
+    "da VORN_PG_PASSWORD, altrimenti è chiesta sul terminale. Una demo interrotta non lascia\n"
+    "l'azienda a metà: il file, o il database creato (lo schema, con --pg-schema), è eliminato.\n";
 
 RegistraComando regDemo({"demo", "crea un'azienda dimostrativa con un anno di registrazioni", kUsoDemo, Demo});
 

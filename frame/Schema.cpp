@@ -316,4 +316,17 @@ std::shared_ptr<Connessione> CreaAziendaPostgres(const ParametriPostgres& p,
   }
 }
 
+void EliminaAziendaPostgres(const ParametriPostgres& p) {
+  if (Trim(p.database).empty()) throw ErroreDb(0, "Nome del database non indicato.");
+  if (!p.schema.empty()) {
+    ParametriPostgres senzaSchema = p;
+    senzaSchema.schema.clear();
+    Connessione::ApriPostgres(senzaSchema)->Esegui("DROP SCHEMA IF EXISTS " + IdentificatorePg(p.schema) + " CASCADE");
+    return;
+  }
+  ParametriPostgres manutenzione = p;
+  manutenzione.database = "postgres";
+  Connessione::ApriPostgres(manutenzione)->Esegui("DROP DATABASE IF EXISTS " + IdentificatorePg(p.database));
+}
+
 }  // namespace vorn

@@ -35,6 +35,10 @@ std::shared_ptr<Connessione> CreaAziendaSqlite(const std::string& percorso,
 std::shared_ptr<Connessione> CreaAziendaPostgres(const ParametriPostgres& p,
                                                   const std::function<void(Connessione&)>& riempi = {});
 
+// Removes a company that CreaAziendaPostgres made and that is to go (a demo stopped half way):
+// with p.schema, that schema and everything in it; otherwise the whole database p.database.
+void EliminaAziendaPostgres(const ParametriPostgres& p);
+
 // The statements that create one table of the catalogue on the engine of `cn` (exposed for the
 // tests and the upgrade).
 std::string SqlCreaTabella(const Connessione& cn, const std::string& tabella);

@@ -15,6 +15,7 @@
 #include "interchange/ModelloStandard.h"
 #include "ledger/VerificaSaldi.h"
 #include "support/Azienda.h"
+#include "ComandoAzienda.h"
 
 using namespace vorn;
 using namespace vorn::test;
@@ -350,3 +351,34 @@ TEST(ComandoDemo, WritesTheCompanyTheTrialBalanceAndTheReport) {
   EXPECT_FALSE(std::filesystem::exists(dir.Percorso() + "/x/azienda.db"));
   std::fclose(err);
 }
+
+// The same seed on the server engine: a new database of its own, the same trial balance.
+TEST(ComandoDemo, OnPostgreSQLTheBooksAreThoseOfSQLite) {
+  if (!PostgresDisponibile()) GTEST_SKIP() << "PostgreSQL non disponibile";
+  CartellaProva dir;
+  const std::vector<std::string> opzioni = {"--registrazioni", "150", "--clienti", "5", "--fornitori", "4", "--seme", "3"};
+  auto bilancio = [](const std::string& o) {
+    size_t inizio = o.find("Codice     Descrizione"), fine = o.find("           Totali ");
+    return inizio == std::string::npos || fine == std::string::npos ? std::string() : o.substr(inizio, fine - inizio);
+  };
+  std::vector<std::string> sqlite = {"--cartella", dir.Percorso() + "/app", "demo", dir.Percorso() + "/demo"};
+  sqlite.insert(sqlite.end(), opzioni.begin(), opzioni.end());
+  EsitoComando s = EseguiVorn(sqlite);
+  ASSERT_EQ(s.rc, 0) << s.err;
+
+  ParametriPostgres pg = ParametriPostgresTest();
+  pg.database = NomeUnico("demo");
+  std::vector<std::string> postgres = {"--cartella", dir.Percorso() + "/app-pg", "demo"};
+  for (auto& a : ArgomentiAzienda(true, "", pg))
+    if (a != "--pg-schema" && !a.empty()) postgres.push_back(a);
+  postgres.insert(postgres.end(), opzioni.begin(), opzioni.end());
+  EsitoComando p = EseguiVorn(postgres);
+  EXPECT_EQ(p.rc, 0) << p.err;
+  ASSERT_FALSE(bilancio(s.out).empty()) << s.out;
+  EXPECT_EQ(bilancio(p.out), bilancio(s.out));
+  EXPECT_NE(p.out.find("Cambio esercizio: chiuso il 2024"), std::string::npos) << p.out;
+  // The database is the demo's own: a second run leaves it alone.
+  EXPECT_EQ(EseguiVorn(postgres).rc, 1);
+  EliminaAziendaPostgres(pg);
+}
+
