@@ -251,7 +251,8 @@ void Passo(ContestoDemo& ctx) {
   if (listaEffetti != 0)
     ctx.out << "Distinta effetti n. " << listaEffetti << " del " << fine.Testo() << ": " << e.Registrazioni
             << " ricevute bancarie dei clienti per " << FormattaImporto(Valore(effetti))
-            << " emesse e presentate in banca (vorn contabilizza-effetti)\n";
+            << " emesse e presentate in banca (vorn contabilizza-effetti " << ctx.azienda << " --dal 01/01/" << anno
+            << " --al " << fine.Testo() << " --diretta)\n";
   else
     ctx.out << "Distinta effetti: nessuna ricevuta bancaria aperta da presentare.\n";
 }
