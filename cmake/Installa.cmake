@@ -38,7 +38,7 @@ configure_file(cmake/vorn.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vorn.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vorn.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The Debian package: the library with its headers, CMake and pkg-config files, the command and
-# the models. A client links libsqlite3 and libpq as well: their development packages come with it.
+# the models. A client links libsqlite3, libpq and libcrypt as well: their development packages come with it.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME libvorn-dev)
 set(CPACK_PACKAGE_VENDOR vorn)
@@ -48,5 +48,5 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "vorn <vorn@localhost>")
 set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libsqlite3-0, libpq5, libsqlite3-dev, libpq-dev, libstdc++6 (>= 12)")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libsqlite3-0, libpq5, libcrypt1, libsqlite3-dev, libpq-dev, libcrypt-dev, libstdc++6 (>= 12)")
 include(CPack)

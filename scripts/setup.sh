@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building and testing need, from Debian's packages. Quiet when all is there.
 set -euo pipefail
-PACCHETTI=(g++ cmake make pkg-config libsqlite3-dev libpq-dev postgresql libgtest-dev libgmock-dev locales)
+PACCHETTI=(g++ cmake make pkg-config libsqlite3-dev libpq-dev libcrypt-dev postgresql libgtest-dev libgmock-dev locales)
 mancanti=()
 for p in "${PACCHETTI[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || mancanti+=("$p")
