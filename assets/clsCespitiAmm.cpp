@@ -1,6 +1,6 @@
 #include "assets/clsCespitiAmm.h"
 
-#include <cmath>
+#include <utility>
 
 #include "assets/clsCausaliCespiti.h"
 #include "assets/clsCespiti.h"
@@ -210,8 +210,11 @@ int32_t clsCespitiAmm::CalcolaAmmortamento(const ArgomentiAmmortamento& a, Esito
     auto errore = [&](const std::string& codice, const std::string& testo) {
       esito.stringaErroriRiscontrati += "Cespite: " + PadSinistra(Valore(codice), 23) + testo + "\n";
     };
+    // The first number is taken before anything is read: the counter's lock makes two runs
+    // take turns, and the second then finds the first one's movements and refuses the assets.
+    int32_t prenotato = movimenti.PrendiNumeroMovimento();
     auto testata = [&](const Data& data, const std::string& causale) {
-      const int32_t n = movimenti.PrendiNumeroMovimento();
+      const int32_t n = prenotato ? std::exchange(prenotato, 0) : movimenti.PrendiNumeroMovimento();
       bool cancel = false;
       movimenti.SalvaRecord(Valore(n), Valore(data), Valore(data), Valore(causale), Valore(""), Valore(""), Valore(0),
                             Valore(""), Valore(0), Valore::Null(), Valore(""), Valore(1.0), Valore(data), Valore(""),
@@ -369,6 +372,8 @@ int32_t clsCespitiAmm::CalcolaAmmortamento(const ArgomentiAmmortamento& a, Esito
       }
     }
     esito.righe = rigaOrd + rigaAnt;
+    // Nothing written: the unit is undone and the number taken goes back.
+    if (esito.righe == 0 && esito.numeroMovimentiInfrannuali == 0) return;
     unita.Conferma();
   });
   if (a.objFormAttiva) a.objFormAttiva->msgbar("");

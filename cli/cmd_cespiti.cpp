@@ -63,12 +63,12 @@ int Aggiungi(Contesto& ctx, AziendaCli& az, const std::string& codice) {
     throw ErroreComando("manca nei riferimenti contabili la causale cespiti di acquisto (CausAmAcquisto)");
   clsCespiti cespiti;
   cespiti.cn = db->cn;
-  if (cespiti.ExistCodice(Valore(codice))) throw ErroreComando("il cespite " + codice + " esiste già");
   clsCespitiMovimenti movimenti;
   movimenti.cn = db->cn;
   int32_t numero = 0;
   ConRiprova(*db->cn, [&] {
     Atomico unita(*db->cn);
+    if (cespiti.ExistCodice(Valore(codice))) throw ErroreComando("il cespite " + codice + " esiste già");
     bool cancel = false;
     if (!cespiti.SalvaDaCategoria(Valore(codice), Valore(descrizione ? Trim(*descrizione) : codice),
                                   Valore(Trim(*categoria)), Valore(""), 0, cancel))
