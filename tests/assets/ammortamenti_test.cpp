@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
+#include <thread>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -299,6 +301,37 @@ TEST_P(Ammortamenti, OrdinarioEAnticipatoCheEsaurisconoIlResiduoSiPareggiano) {
   // The civil track has no anticipated part: 15% of 1.000 within the civil residual of 200.
   EXPECT_EQ(Righe(D(31, 12, 2024), 11), (std::map<std::string, Terna>{{"ATT1", {100, 100, 150}}}));
   EXPECT_EQ(Righe(D(31, 12, 2024), 12), (std::map<std::string, Terna>{{"ATT1", {100, 100, 0}}}));
+}
+
+TEST_P(Ammortamenti, DueElaborazioniInsiemeNonRaddoppiano) {
+  Cespite("MAC1", "12", 12, 0, 12);
+  Movimento("ACQ", D(1, 1, 2023), "MAC1", 10000);
+  // The first run holds its transaction open while a second one starts on another connection.
+  cn->BeginTrans();
+  EsitoAmmortamento prima = Calcola(2024);
+  EXPECT_EQ(prima.righe, 1);
+  EsitoAmmortamento seconda;
+  std::string errore;
+  std::thread altro([&] {
+    try {
+      clsCespitiAmm a2;
+      a2.cn = AltraConnessione();
+      ArgomentiAmmortamento a;
+      a.anno = 2024;
+      a.causaleAmmOrd = "AMO";
+      a2.CalcolaAmmortamento(a, seconda);
+    } catch (const std::exception& e) {
+      errore = e.what();
+    }
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  cn->CommitTrans();
+  altro.join();
+  EXPECT_EQ(errore, "");
+  EXPECT_EQ(seconda.righe, 0);
+  EXPECT_NE(seconda.stringaErroriRiscontrati.find("esistono già dei movimenti di ammortamento"), std::string::npos);
+  EXPECT_EQ(Righe(D(31, 12, 2024), 11), (std::map<std::string, Terna>{{"MAC1", {1200, 1200, 1200}}}));
+  EXPECT_EQ(Conta("SELECT COUNT(*) FROM [CespitiMovimentiRighe]"), 2);  // the purchase and one depreciation
 }
 
 TEST_P(Ammortamenti, RegistroDellAnno) {
