@@ -10,6 +10,7 @@
 #include <set>
 
 #include "frame/Catalogo.h"
+#include "interchange/clsCaricaTabelleStandard.h"
 
 namespace vorn {
 
@@ -313,18 +314,10 @@ bool CaricaTabellaModello(Connessione& cn, const std::string& modello, const std
 }
 
 std::vector<EsitoTabellaModello> CaricaModello(Connessione& cn, const std::string& modello, IForm* form) {
-  // Every file is read and checked before the company is touched.
-  std::vector<DatiModello> dati;
-  for (const auto& t : TabelleModello(modello)) dati.push_back(LeggiFileModello(t.file, t.tabella));
-  std::vector<EsitoTabellaModello> esito;
-  Atomico tx(cn);
-  for (const auto& d : dati) {
-    if (form) form->msgbar("Caricamento " + d.tabella);
-    auto n = Scrivi(cn, d, d.tabella);
-    esito.push_back({d.tabella, n.value_or(0), n.has_value()});
-  }
-  tx.Conferma();
-  return esito;
+  clsCaricaTabelleStandard carica;
+  carica.ConnettiDatabaseOrigine(modello);
+  carica.ConnettiDatabaseDestinazione(cn.shared_from_this());
+  return carica.CaricaModelloCompleto(form);
 }
 
 }  // namespace vorn

@@ -73,8 +73,9 @@ struct EsitoTabellaModello {
 bool CaricaTabellaModello(Connessione& cn, const std::string& modello, const std::string& tabella,
                           const std::string& tabellaDestinazione = {}, size_t* righe = nullptr);
 
-// Loads a whole model into the company open on `cn`: table by table, each table emptied and
-// then filled with the model's rows, all in one transaction. An empty table of the model is
+// Loads a whole model into the company open on `cn` (clsCaricaTabelleStandard::
+// CaricaModelloCompleto): table by table, each table emptied and then filled with the model's
+// rows, all in one transaction. An empty table of the model is
 // told as above and skipped, and the others go on. An error leaves the company as it was and
 // passes to the caller. The form, when given, shows each table as it is loaded.
 std::vector<EsitoTabellaModello> CaricaModello(Connessione& cn, const std::string& modello, IForm* form = nullptr);
