@@ -20,6 +20,7 @@ const char* const kUso =
     "                       [--banca CODICE --agenzia CODICE] [--sottoconto SOTTOCONTO] [--limite IMPORTO]\n"
     "     vorn distinte FILE --mostra N\n"
     "     vorn distinte FILE --emetti N\n"
+    "     vorn distinte FILE --annulla N\n"
     "     vorn distinte FILE --contabilizza N [--commissioni IMPORTO]\n\n"
     "Le distinte dei bonifici ai fornitori. Senza opzioni elenca le distinte con il loro stato.\n\n"
     "  --crea           una nuova distinta con le rate aperte dei fornitori da pagare con bonifico\n"
@@ -32,6 +33,7 @@ const char* const kUso =
     "                   distinta (le rate che lo supererebbero restano fuori)\n"
     "  --mostra N       le rate della distinta N\n"
     "  --emetti N       segna la distinta N e le sue rate come emesse (il flusso per la banca è fatto)\n"
+    "  --annulla N      annulla la distinta N non contabilizzata: le sue rate tornano libere\n"
     "  --contabilizza N registra in prima nota il pagamento della distinta N alla data di esecuzione:\n"
     "                   una riga per rata sul fornitore, le --commissioni bancarie se indicate, la banca;\n"
     "                   le rate risultano pagate. Tutto o niente: una distinta già contabilizzata non\n"
@@ -107,9 +109,10 @@ long NumeroDistinta(const std::string& nome, const std::string& testo) {
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
   const bool crea = a.Flag("--crea");
-  auto mostra = a.Opzione("--mostra"), emetti = a.Opzione("--emetti"), contabilizza = a.Opzione("--contabilizza");
-  if (crea + mostra.has_value() + emetti.has_value() + contabilizza.has_value() > 1)
-    throw ErroreUso("--crea, --mostra, --emetti e --contabilizza non vanno insieme");
+  auto mostra = a.Opzione("--mostra"), emetti = a.Opzione("--emetti"), contabilizza = a.Opzione("--contabilizza"),
+       annulla = a.Opzione("--annulla");
+  if (crea + mostra.has_value() + emetti.has_value() + contabilizza.has_value() + annulla.has_value() > 1)
+    throw ErroreUso("--crea, --mostra, --emetti, --annulla e --contabilizza non vanno insieme");
 
   if (crea) {
     NuovaDistintaBonifici n;
@@ -162,6 +165,18 @@ int Esegui(Contesto& ctx) {
     d.cn = db->cn;
     if (!d.EmettiDistinta(Valore(numero))) throw ErroreComando("la distinta n. " + std::to_string(numero) + " non esiste");
     ctx.out << "Distinta n. " << numero << " emessa.\n";
+    return 0;
+  }
+  if (annulla) {
+    const long numero = NumeroDistinta("--annulla", *annulla);
+    AziendaCli az = LeggiAzienda(a);
+    a.Fine();
+    auto db = ApriAzienda(az, Accesso::Scrittura);
+    clsDistinteBonifici d;
+    d.cn = db->cn;
+    if (!d.AnnullaDistinta(Valore(numero)))
+      throw ErroreComando("la distinta n. " + std::to_string(numero) + " non esiste o è già contabilizzata");
+    ctx.out << "Distinta n. " << numero << " annullata: le sue rate sono di nuovo libere.\n";
     return 0;
   }
   if (contabilizza) {

@@ -127,6 +127,46 @@ bool Unita(Connessione& c, EsitoElaborazione& esito, const char* titolo, const s
 // The clear state of a flag column: false or null.
 std::string Chiaro(const std::string& colonna) { return "COALESCE(" + colonna + ", ?) = ?"; }
 
+// A row's flag set where it is still clear: the claim of a unit of a run. False when another
+// run set it first.
+bool Prendi(Connessione& c, const char* tabella, const char* flag, const char* chiave, const Valore& valore) {
+  return c.Esegui(std::string("UPDATE [") + tabella + "] SET [" + flag + "] = ? WHERE [" + chiave + "] = ? AND " +
+                      Chiaro(std::string("[") + flag + "]"),
+                  {Valore(true), valore, Valore(false), Valore(false)}) > 0;
+}
+
+// The date range's ends that are given, as conditions on a column.
+void Intervallo(std::string& sql, Parametri& p, const char* colonna, const Valore& da, const Valore& a) {
+  if (!da.IsNull()) {
+    sql += std::string(" AND ") + colonna + " >= ?";
+    p.push_back(da);
+  }
+  if (!a.IsNull()) {
+    sql += std::string(" AND ") + colonna + " <= ?";
+    p.push_back(a);
+  }
+}
+
+// The first column of a selection, as whole numbers.
+std::vector<Valore> Numeri(Connessione& c, const std::string& sql, const Parametri& p) {
+  std::vector<Valore> v;
+  c.Scorri(sql, p, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
+    v.push_back(Numero(r[0]));
+    return true;
+  });
+  return v;
+}
+
+// The run's cache, dropped however the run ends.
+template <class C>
+struct FineCorsa {
+  std::optional<C>& c;
+  explicit FineCorsa(std::optional<C>& x) : c(x) { c.emplace(); }
+  ~FineCorsa() { c.reset(); }
+  FineCorsa(const FineCorsa&) = delete;
+  FineCorsa& operator=(const FineCorsa&) = delete;
+};
+
 }  // namespace
 
 // ---------------------------------------------------------------- references
@@ -180,11 +220,7 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
   };
   const Valore daData = DataIngresso(a.avar_DaData, "dalla data"), aData = DataIngresso(a.avar_AData, "alla data");
   const Valore dataContab = DataIngresso(a.avar_DataContabilizzazione, "data di contabilizzazione");
-  cache_.emplace();
-  struct Fine {
-    std::optional<Cache>& c;
-    ~Fine() { c.reset(); }
-  } fine{cache_};
+  FineCorsa fine(cache_);
   const Valore no(false), si(true);
 
   struct Carta {
@@ -203,31 +239,16 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
                       "AND " + Chiaro("[Contabilizzato]") + " AND " + Chiaro("[Sospeso]") +
                       " AND COALESCE([Flag Unificata], 0) IN (0, 1)";
     Parametri p{Valore(k.tipo), no, no, no, no};
-    if (!daData.IsNull()) {
-      sql += " AND [Data Documento] >= ?";
-      p.push_back(daData);
-    }
-    if (!aData.IsNull()) {
-      sql += " AND [Data Documento] <= ?";
-      p.push_back(aData);
-    }
+    Intervallo(sql, p, "[Data Documento]", daData, aData);
     if (a.bool_ContabilizzazioneDiretta) {
       sql += " AND [Distinta] = ?";
       p.push_back(si);
     }
     sql += " ORDER BY [Data Documento], [Numero Documento], [Serie], [Numero Progressivo]";
-    std::vector<Valore> numeri;
-    c.Scorri(sql, p, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
-      numeri.push_back(Numero(r[0]));
-      return true;
-    });
-    for (const Valore& np : numeri) {
+    for (const Valore& np : Numeri(c, sql, p)) {
       avanti = Unita(c, esito, kTitolo, "Effetto numero " + np.Testo(), [&]() -> bool {
         // The instalment claimed: one posted meanwhile is left alone.
-        if (c.Esegui("UPDATE [Scadenziario] SET [Contabilizzato] = ? WHERE [Numero Progressivo] = ? AND " +
-                         Chiaro("[Contabilizzato]"),
-                     {si, np, no, no}) == 0)
-          return false;
+        if (!Prendi(c, "Scadenziario", "Contabilizzato", "Numero Progressivo", np)) return false;
         Recordset rs = c.Execute("SELECT * FROM [Scadenziario] WHERE [Numero Progressivo] = ?", {np});
         auto campo = [&](const char* n) -> Valore { return rs(n).Value(); };
         const Controparte cp = ControparteRata(cli, T(campo("Tipo")), T(campo("Codice Cliente")),
@@ -288,22 +309,11 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
     std::string sql = "SELECT [Numero Distinta] FROM [Distinte] WHERE " + Chiaro("[Contabilizzata]") +
                       " AND [EffettiEmessi] = ?";
     Parametri p{no, no, si};
-    if (!daData.IsNull()) {
-      sql += " AND [Data Distinta] >= ?";
-      p.push_back(daData);
-    }
+    Intervallo(sql, p, "[Data Distinta]", daData, Valore::Null());
     sql += " ORDER BY [Numero Distinta]";
-    std::vector<Valore> liste;
-    c.Scorri(sql, p, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
-      liste.push_back(Numero(r[0]));
-      return true;
-    });
-    for (const Valore& nd : liste) {
+    for (const Valore& nd : Numeri(c, sql, p)) {
       avanti = Unita(c, esito, kTitolo, "Distinta effetti n. " + nd.Testo(), [&]() -> bool {
-        if (c.Esegui("UPDATE [Distinte] SET [Contabilizzata] = ? WHERE [Numero Distinta] = ? AND " +
-                         Chiaro("[Contabilizzata]"),
-                     {si, nd, no, no}) == 0)
-          return false;
+        if (!Prendi(c, "Distinte", "Contabilizzata", "Numero Distinta", nd)) return false;
         Recordset rs = c.Execute("SELECT * FROM [Distinte] WHERE [Numero Distinta] = ?", {nd});
         const Valore banca = rs("Codice Banca").Value(), agenzia = rs("Codice Agenzia").Value();
         const Valore dataDistinta = rs("Data Distinta").Value();
@@ -369,11 +379,7 @@ EsitoElaborazione clsElaboraFatture::ElaboraScontrini(ArgomentiElaboraScontrini&
   };
   const Valore daData = DataIngresso(a.avar_DaData, "dalla data"), aData = DataIngresso(a.avar_AData, "alla data");
   const Valore causaleMag = Valore(T(a.causale_magazzino_corrispettivi));
-  cache_.emplace();
-  struct Fine {
-    std::optional<Cache>& c;
-    ~Fine() { c.reset(); }
-  } fine{cache_};
+  FineCorsa fine(cache_);
   const Valore no(false), si(true);
 
   // The register of the receipts' causal, "01" when it proposes none.
@@ -382,6 +388,13 @@ EsitoElaborazione clsElaboraFatture::ElaboraScontrini(ArgomentiElaboraScontrini&
   cau.GetRegistroIVAProposto(a.CodiceCausale_CorrispettiviScorporo, proposto);
   std::string numRegistro = T(proposto);
   if (numRegistro.empty() || numRegistro == "0" || numRegistro == "00") numRegistro = "01";
+  if (tipoRegistro.empty() || tipoRegistro == "0") {
+    Host().Beep();
+    Host().MsgBox("La causale contabile dei corrispettivi " + T(a.CodiceCausale_CorrispettiviScorporo) +
+                      " non è una causale IVA: nessuno scontrino elaborato.",
+                  vbExclamation, kTitolo);
+    return esito;
+  }
   // The rates of the VAT codes, read once.
   std::map<std::string, Importo> aliquote;
   c.Scorri("SELECT [Codice Iva], [Aliquota] FROM [Codici Iva]", {},
@@ -402,14 +415,7 @@ EsitoElaborazione clsElaboraFatture::ElaboraScontrini(ArgomentiElaboraScontrini&
                       "FROM [Movimenti Magazzino] WHERE [Causale Magazzino] = ? AND " +
                       Chiaro("[Flag Elaborato Scontrini]") + " AND [Data Registrazione] IS NOT NULL";
     Parametri p{causaleMag, no, no};
-    if (!daData.IsNull()) {
-      sql += " AND [Data Registrazione] >= ?";
-      p.push_back(daData);
-    }
-    if (!aData.IsNull()) {
-      sql += " AND [Data Registrazione] <= ?";
-      p.push_back(aData);
-    }
+    Intervallo(sql, p, "[Data Registrazione]", daData, aData);
     c.Scorri(sql + " ORDER BY 1, 2, 3", p, [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
       giorni.push_back({r[0], Valore(T(r[1])), Valore(NullToZeroDbl(r[2]))});
       return true;
@@ -535,9 +541,7 @@ long clsElaboraFatture::ContabilizzaDistintaBonifici(ArgomentiDistintaBonifici& 
     vuota = false;
     Atomico t(c);
     // The list claimed: one posted already (or missing) has nothing to post.
-    if (c.Esegui("UPDATE [Distinte Bonifici] SET [Contabilizzata] = ? WHERE [Numero Distinta] = ? AND " +
-                     Chiaro("[Contabilizzata]"),
-                 {si, nd, no, no}) == 0) {
+    if (!Prendi(c, "Distinte Bonifici", "Contabilizzata", "Numero Distinta", nd)) {
       vuota = true;
       return;
     }

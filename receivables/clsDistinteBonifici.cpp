@@ -285,6 +285,22 @@ bool clsDistinteBonifici::EmettiDistinta(const Valore& n) {
   return true;
 }
 
+bool clsDistinteBonifici::AnnullaDistinta(const Valore& n) {
+  Atomico unita(*cn);
+  // Claimed first: a list posted meanwhile stays as it is.
+  if (cn->Esegui("DELETE FROM [Distinte Bonifici] WHERE [Numero Distinta] = ? AND COALESCE([Contabilizzata], ?) = ?",
+                 {Numero(n), Valore(false), Valore(false)}) == 0)
+    return false;
+  cn->Esegui("UPDATE [Scadenziario] SET [Distinta] = ?, [Emesso] = ?, [Tipo Presentazione] = '', "
+             "[Codice Banca presentazione] = '', [Codice Agenzia presentazione] = '', [Data presentazione] = NULL, "
+             "[Progressivo Distinta] = 0 WHERE [Numero Progressivo] IN (SELECT [Numero Progressivo] FROM "
+             "[Distinte Bonifici Righe] WHERE [Numero Distinta] = ?)",
+             {Valore(false), Valore(false), Numero(n)});
+  CancellaRecordRighe(n);
+  unita.Conferma();
+  return true;
+}
+
 int32_t clsDistinteBonifici::CreaDistinta(const NuovaDistintaBonifici& d, const Valore& clientID, long hWnd) {
   const Valore dataDistinta = DataIngresso(d.Data_Distinta, "data della distinta");
   const Valore dataEsecuzione = DataIngresso(d.Data_Esecuzione, "data di esecuzione");

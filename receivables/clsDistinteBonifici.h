@@ -90,6 +90,9 @@ class clsDistinteBonifici {
   int32_t CreaDistinta(const NuovaDistintaBonifici& d, const Valore& clientID, long hWnd);
   // Issued: the flow made, the list and its instalments marked together.
   bool EmettiDistinta(const Valore& Numero_Distinta);
+  // A list not posted taken back, all or nothing: its instalments freed, its rows and head
+  // deleted. False, and nothing changed, when the list is missing or posted.
+  bool AnnullaDistinta(const Valore& Numero_Distinta);
 };
 
 // A new list of client effects (clsDistinteEffetti::CreaDistinta).

@@ -18,6 +18,9 @@
 #include <string>
 #include <thread>
 
+#include "frame/Db.h"
+#include "frame/Globali.h"
+
 namespace vorn::test {
 
 struct GiriInterrotti {
@@ -29,6 +32,24 @@ struct GiriInterrotti {
   int massimoMs = 200;                 // the longest delay of a round
   int giri = 8;
 };
+
+// Rounds on a test's company: the parent's connection `cn` (and the global one) let go over
+// each child's life; before each check `riapri` gives the connection `cn` becomes.
+inline GiriInterrotti GiriSuConnessione(std::shared_ptr<Connessione>& cn,
+                                        std::function<std::shared_ptr<Connessione>()> riapri,
+                                        std::function<long(const std::string&)> verifica) {
+  GiriInterrotti g;
+  g.chiudi = [&cn] {
+    cn->Close();
+    cn.reset();
+    G().ConnessioneGlobale.reset();
+  };
+  g.verifica = [&cn, riapri = std::move(riapri), verifica = std::move(verifica)](const std::string& quando) {
+    cn = riapri();
+    return verifica(quando);
+  };
+  return g;
+}
 
 // The rounds, until all is posted or they run out; gives how many units the children posted.
 // A child that finished before the signal must have ended with 0; at least one must be killed.

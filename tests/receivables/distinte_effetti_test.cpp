@@ -174,6 +174,16 @@ TEST_P(DistinteEffettiTest, UnaDistintaDiBonificiPagaLeRateDeiFornitori) {
             host->Ultimo());
   EXPECT_EQ(prima, Giornale());
   EXPECT_EQ(std::make_pair(I("-1220.00"), I("-1220.00")), Pagato(1));
+
+  // A posted list cannot be taken back; a new one (instalment 4, due by June) can, and its
+  // instalment is free again.
+  EXPECT_FALSE(d.AnnullaDistinta(Valore(1)));
+  n.Data_Scadenza_Limite = Valore("30/06/2024");
+  ASSERT_EQ(2, d.CreaDistinta(n, Valore("prova"), 1));
+  EXPECT_TRUE(d.AnnullaDistinta(Valore(2)));
+  EXPECT_FALSE(d.ExistNumeroDistinta(Valore(2)));
+  EXPECT_EQ(I("-99.00"), d.GetResiduiTipoEffetto(Valore("BO")));
+  EXPECT_EQ(0, Conta("SELECT COUNT(*) FROM [Distinte Bonifici Righe] WHERE [Numero Distinta] = 2"));
 }
 
 TEST_P(DistinteEffettiTest, GliEffettiDeiClientiSonoEmessiEPresentati) {

@@ -170,18 +170,15 @@ class EffettiInterrottiTest : public AziendaStandardTest {
   }
 
   void Giri(const std::function<pid_t()>& avvia, int massimoMs, long totale) {
-    GiriInterrotti g;
-    g.chiudi = [this] {
-      cn->Close();
-      cn.reset();
-      G().ConnessioneGlobale.reset();
-    };
+    GiriInterrotti g = GiriSuConnessione(
+        cn,
+        [this] {
+          auto c = AltraConnessione();
+          Parametri(c);
+          return c;
+        },
+        [this](const std::string& quando) { return VerificaTuttoONiente(quando); });
     g.avvia = avvia;
-    g.verifica = [this](const std::string& quando) {
-      cn = AltraConnessione();
-      Parametri(cn);
-      return VerificaTuttoONiente(quando);
-    };
     g.totale = totale;
     g.massimoMs = massimoMs;
     const long posted = EseguiGiriInterrotti(g);

@@ -174,19 +174,16 @@ class ElaboraFattureInterrottaTest : public AziendaTest {
 // `massimoMs`, each followed by the check; then a run in this process posts what is missing.
 void ElaboraFattureInterrottaTest::Giri(const std::function<pid_t()>& avvia, int massimoMs) {
   const long totale = static_cast<long>(fatture.documenti.size());
-  GiriInterrotti g;
   // The parent's connection is closed over the child's life: the child opens its own.
-  g.chiudi = [this] {
-    cn->Close();
-    cn.reset();
-    G().ConnessioneGlobale.reset();
-  };
+  GiriInterrotti g = GiriSuConnessione(
+      cn,
+      [this] {
+        auto c = AltraConnessione();
+        ParametriAzienda(c);
+        return c;
+      },
+      [this](const std::string& quando) { return VerificaTuttoONiente(quando); });
   g.avvia = avvia;
-  g.verifica = [this](const std::string& quando) {
-    cn = AltraConnessione();
-    ParametriAzienda(cn);
-    return VerificaTuttoONiente(quando);
-  };
   g.totale = totale;
   g.massimoMs = massimoMs;
   const long posted = EseguiGiriInterrotti(g);
