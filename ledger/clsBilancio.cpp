@@ -11,6 +11,7 @@
 
 #include "company/StampaLibri.h"
 #include "company/clsAnagraficaAzienda.h"
+#include "company/clsProgAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/Data.h"
 #include "frame/FileVorn.h"
@@ -175,10 +176,20 @@ void Msgbar(IForm* f, const std::string& testo) {
   if (f) f->msgbar(testo);
 }
 
+// True when the unloaded progressives belong to a period from `dal`: with no start, or when the
+// last unload reaches into the period, whose first rows have then left the journal for them.
+bool ProgressiviNelPeriodo(Connessione& cn, const std::optional<Data>& dal) {
+  if (!dal) return true;
+  clsProgAzienda prog;
+  prog.cn = cn.shared_from_this();
+  auto scarico = prog.GetDataUltimoScaricoPrimaNota().ComeData();
+  return scarico && *scarico >= *dal;
+}
+
 // What one pass of the chain takes.
 struct Catena {
   Data dal, al;
-  bool progressivi = false;                 // the start was missing: the unloaded balances come in
+  bool progressivi = false;                 // the unloaded balances come in (ProgressiviNelPeriodo)
   std::optional<Data> aperturaLogica;       // rows before it count for the sections other than "E"
   std::string contoRisultato;               // with aperturaLogica: the account of last year's result
   Importo risultatoPrec;                    // last year's result: costs minus revenues
@@ -231,13 +242,14 @@ void CostruisciCatena(Connessione& cn, Tabelle& t, const Catena& c, IForm* form)
     return s.replace(s.find("%s"), 2, espr);
   };
   if (c.progressivi) {
-    // The unloaded balance of a sub-account is read as opening + debit + credit progressive.
+    // The unloaded balance of a sub-account: opening + debit - credit progressive, as every
+    // other reader of the progressives takes it.
     const std::string codice =
         "COALESCE([Saldi Piano Dei Conti].[CodiceGruppo], '') || COALESCE([Saldi Piano Dei Conti].[CodiceConto], '') "
         "|| COALESCE([Saldi Piano Dei Conti].[CodiceSottoconto], '')";
     const std::string valore =
         "(COALESCE([Saldi Piano Dei Conti].[SaldoInizialeProgr], 0) + "
-        "COALESCE([Saldi Piano Dei Conti].[DareProgressivo], 0) + "
+        "COALESCE([Saldi Piano Dei Conti].[DareProgressivo], 0) - "
         "COALESCE([Saldi Piano Dei Conti].[AvereProgressivo], 0))";
     std::string sezioni = c.aperturaLogica ? "<> 'E'" : "IS NOT NULL";
     t.sintetica.Riempi("SELECT '99999', CASE WHEN " + valore + " > 0 THEN 'D' ELSE 'A' END, " + codice +
@@ -561,7 +573,7 @@ bool clsBilancio::Bilancio(const ArgomentiBilancio& a) {
   auto dal = DataCorretta(a.avar_DaData), al = DataCorretta(a.avar_AData);
   k.dal = dal ? *dal : *Data::Crea(1900, 1, 1);
   k.al = al ? *al : *Data::Crea(3000, 12, 31);
-  k.progressivi = !dal;
+  k.progressivi = ProgressiviNelPeriodo(c, dal);
   const bool conRisultatoPrec = !TrimTesto(a.avar_ContoRisultatoEsercizioPrec).empty();
   if (conRisultatoPrec) {
     k.aperturaLogica = DataCorretta(a.avar_DataLogicaAperturaBilancio);
@@ -647,7 +659,7 @@ std::vector<RigaBilancioVerifica> clsBilancio::BilancioVerificaSottoconti(const 
       " AS [Apertura], SUM([Prima Nota].[ImportoMovimento]) AS [Importo] FROM [Prima Nota] "
       "WHERE [Prima Nota].[DataCompetenza] BETWEEN ? AND ? GROUP BY [Prima Nota].[ContoPrimaNota], "
       "[Prima Nota].[DareAvere], " + apertura;
-  if (!dal) {
+  if (ProgressiviNelPeriodo(*cn, dal)) {
     const std::string codice =
         "COALESCE([Saldi Piano Dei Conti].[CodiceGruppo], '') || COALESCE([Saldi Piano Dei Conti].[CodiceConto], '') "
         "|| COALESCE([Saldi Piano Dei Conti].[CodiceSottoconto], '')";

@@ -1,8 +1,9 @@
 // The accounting balance sheet of a period: the patrimonial statement (assets against
 // liabilities), the profit and loss statement (costs against revenues) and the technical summary
 // accounts, side by side. The figures come from the journal, by competence date, plus what the
-// last unload took out of it when the period has no start; they are never read from the running
-// balance columns.
+// last unload took out of it when the period has no start or starts before the unload's end (the
+// unload's progressives, opening + debit - credit); they are never read from the running balance
+// columns.
 //
 // The run works through a chain of work tables with fixed names ([Piano conti fittizio],
 // [Saldi sottoconti], [Attività] ...), so one balance sheet at a time runs on a database: a
@@ -99,7 +100,8 @@ class clsBilancio {
 
   // The trial balance of the sub-accounts from the journal rows of the period, by code: each
   // sub-account with a debit or a credit, openings (position 3 "1") netted on their side; with
-  // no start, the unloaded progressives come first. Descriptions from the chart.
+  // no start, or a start the last unload reaches, the unloaded progressives come first.
+  // Descriptions from the chart.
   std::vector<RigaBilancioVerifica> BilancioVerificaSottoconti(const Valore& avar_DaData, const Valore& avar_AData);
   // The trial balance as text: a heading, one line a sub-account, the totals.
   static std::string TestoBilancioVerifica(const std::vector<RigaBilancioVerifica>& righe);

@@ -196,8 +196,8 @@ TEST_P(Bilancio, JournalThatDoesNotSquareIsToldAndTheRunCompletes) {
 
 TEST_P(Bilancio, PeriodOverAnUnloadAddsTheUnloadedBalances) {
   // What an unload of 2023 left: the bank 2,000 in debit, the capital opened at -1,500, and the
-  // supplier with a credit progressive of 500, which this print adds as it stands (opening +
-  // debit + credit progressive), so as a debit.
+  // supplier with a credit progressive of 500, which is a credit (opening + debit - credit
+  // progressive, as the cards and the year change read it).
   auto scarico = [&](const char* g, const char* c, const char* s, const char* ini, const char* dare, const char* avere) {
     cn->Esegui("INSERT INTO [Saldi Piano Dei Conti] ([CodiceGruppo], [CodiceConto], [CodiceSottoconto], "
                "[SaldoInizialeProgr], [DareProgressivo], [AvereProgressivo]) VALUES (?, ?, ?, ?, ?, ?)",
@@ -209,19 +209,26 @@ TEST_P(Bilancio, PeriodOverAnUnloadAddsTheUnloadedBalances) {
   scarico("60", "01", "001", "0", "0", "0");
   clsBilancio b = Nuovo();
   ASSERT_TRUE(b.Bilancio(Argomenti("", "31/12/2024")));
-  // Assets 14,900.25 + 2,000 (bank) + 500 (the supplier's unloaded row, without a partner,
-  // apart from its partner's -4,000); liabilities 14,100 + 1,500.
-  EXPECT_EQ(b.Patrimoniale().totaleSx, I("17400.25"));
-  EXPECT_EQ(b.Patrimoniale().totaleDx, I("15600"));
+  // Assets 14,900.25 + 2,000 (bank); liabilities 14,100 + 1,500 (capital) + 500 (the supplier's
+  // unloaded row, without a partner, apart from its partner's -4,000).
+  EXPECT_EQ(b.Patrimoniale().totaleSx, I("16900.25"));
+  EXPECT_EQ(b.Patrimoniale().totaleDx, I("16100"));
   EXPECT_EQ(b.Economico().totaleSx, I("1500.25"));
   bool banca = false;
   for (const auto& r : b.Patrimoniale().sx)
     if (r.conto == "0701001") banca = r.saldo == I("11399.75");
   EXPECT_TRUE(banca);
-  // With a start, whatever the unload, nothing of it comes in.
+  // With a start and no unload reaching into the period, nothing of it comes in.
   ASSERT_TRUE(b.Bilancio(Argomenti("01/01/2024", "31/12/2024")));
   EXPECT_EQ(b.Patrimoniale().totaleSx, I("14900.25"));
   EXPECT_EQ(b.Patrimoniale().totaleDx, I("14100"));
+  // An unload up to 31/03/2024 reaches into a period from 01/01/2024: its first rows are in the
+  // progressives now, which come in.
+  cn->Esegui("INSERT INTO [Progressivi Azienda Vorn] ([UltimoScaricoPN]) VALUES (?)", {Valore(*Data::Crea(2024, 3, 31))});
+  ASSERT_TRUE(b.Bilancio(Argomenti("01/01/2024", "31/12/2024")));
+  EXPECT_EQ(b.Patrimoniale().totaleSx, I("16900.25"));
+  EXPECT_EQ(b.Patrimoniale().totaleDx, I("16100"));
+  EXPECT_EQ(b.BilancioVerificaSottoconti(Valore("01/01/2024"), Valore("31/12/2024"))[2].dare, I("12900"));
   // The trial balance without a start: the bank's progressive debit among its debits.
   auto righe = b.BilancioVerificaSottoconti(Valore(""), Valore("31/12/2024"));
   ASSERT_GE(righe.size(), 3u);
