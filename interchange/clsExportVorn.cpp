@@ -427,14 +427,15 @@ struct Esportatore {
 
   void Prepara(const std::vector<Colonna>& cols) {
     if (!indice.empty()) return;
-    for (size_t i = 0; i < cols.size(); ++i) colonne.emplace(cols[i].nome, static_cast<int>(i));
+    // Matched without regard to case, as the engines' column names are.
+    for (size_t i = 0; i < cols.size(); ++i) colonne.emplace(LCase(cols[i].nome), static_cast<int>(i));
     for (const auto& c : campi) {
-      auto it = colonne.find(c.colonna);
+      auto it = colonne.find(LCase(c.colonna));
       indice.push_back(it == colonne.end() ? -1 : it->second);
     }
   }
   Valore Val(const std::string& nome, const std::vector<Valore>& r) const {
-    auto it = colonne.find(nome);
+    auto it = colonne.find(LCase(nome));
     return it == colonne.end() ? Valore::Null() : r[static_cast<size_t>(it->second)];
   }
 
@@ -450,6 +451,10 @@ struct Esportatore {
         case Forma::T: t = PadSinistra(v, c.larghezza); break;
         case Forma::N:
           if (c.zeroBianco && NullToZeroLng(v) == 0) v = Valore("");
+          // A number is never cut: the outside program would read another one.
+          if (static_cast<int>(LunghezzaTesto(v.TestoTrim())) > c.larghezza)
+            throw RigaErrata(NomeCampo(c, i) + ": il valore " + v.TestoTrim() + " non sta in " +
+                             std::to_string(c.larghezza) + " caratteri");
           t = PadDestra(v, c.larghezza);
           break;
         case Forma::A: t = FormatoPunto4(Valore(NullToZeroCy(v)), 1); break;
@@ -935,8 +940,8 @@ void EseguiExport(Connessione& cn, ArchivioVorn a, IForm* form, const std::strin
             "COALESCE([Piano Dei Conti].[Gruppo], '') = COALESCE([Saldi Piano Dei Conti].[CodiceGruppo], '') AND "
             "COALESCE([Piano Dei Conti].[Conto], '') = COALESCE([Saldi Piano Dei Conti].[CodiceConto], '') AND "
             "COALESCE([Piano Dei Conti].[Sottoconto], '') = COALESCE([Saldi Piano Dei Conti].[CodiceSottoconto], '') "
-            "ORDER BY [Piano Dei Conti].[Gruppo], [Piano Dei Conti].[Conto], [Piano Dei Conti].[Sottoconto], "
-            "[Piano Dei Conti].[Descrizione]";
+            "ORDER BY COALESCE([Piano Dei Conti].[Gruppo], ''), COALESCE([Piano Dei Conti].[Conto], ''), "
+            "COALESCE([Piano Dei Conti].[Sottoconto], ''), [Piano Dei Conti].[Descrizione]";
       e.calcola = [&e](const std::string& c, const std::vector<Valore>& r) {
         Valore k(Conto7(e.Val("Gruppo", r), e.Val("Conto", r), e.Val("Sottoconto", r)));
         return c == "@K" ? Valore(ContoSetteCifre(k)) : Valore(std::to_string(LivelloConto(k)));
@@ -962,8 +967,9 @@ void EseguiExport(Connessione& cn, ArchivioVorn a, IForm* form, const std::strin
       chiave = "Codice valuta";
       break;
     case ArchivioVorn::PrimaNota:
-      sql = "SELECT * FROM [Prima Nota] ORDER BY [NumeroRegistrazione], [TipoRigaIvaNormale], [NumRigaAVideo], "
-            "[DareAvere]";
+      // A blank key part is null or empty text: both sort first on either engine.
+      sql = "SELECT * FROM [Prima Nota] ORDER BY [NumeroRegistrazione], COALESCE([TipoRigaIvaNormale], ''), "
+            "COALESCE([NumRigaAVideo], ''), COALESCE([DareAvere], '')";
       e.calcola = [&e, &cn, &tipiCausale](const std::string&, const std::vector<Valore>& r) {
         std::string causale = e.Val("CodiceCausale", r).TestoTrim();
         auto it = tipiCausale.find(causale);
