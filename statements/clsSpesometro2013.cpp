@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <ctime>
+#include <exception>
 #include <fstream>
 #include <map>
 #include <ostream>
@@ -618,55 +619,80 @@ Recordset clsSpesometro2013::LocalizzaRecordQuadroAggregatoNoCodiceFiscaleNoPart
 
 // ================================================================ readers
 
-Recordset clsSpesometro2013::Quadro(const std::string& filtro, const Parametri& p) {
-  return cn->Execute(SqlRiepilogo() + filtro + kOrdine, p);
+clsSpesometro2013::SqlLettura clsSpesometro2013::SqlQuadro(const std::string& quadro, int anno) {
+  auto riepilogo = [&](const std::string& filtro, Parametri p) {
+    p.insert(p.begin(), Valore(anno));
+    return SqlLettura{SqlRiepilogo() + filtro + kOrdine, std::move(p)};
+  };
+  const std::string residenti = std::string(kResidenti) + " AND R.[IndicatoreCliFor] = ";
+  const std::string nonResidenti = std::string(kNonResidenti) + " AND R.[IndicatoreCliFor] = ";
+  const Valore no(false), si(true);
+  if (quadro == "FE") return riepilogo(residenti + "'C' AND " + Flag("FlagNotaVariazione", false), {no, no});
+  if (quadro == "FR") return riepilogo(residenti + "'F' AND " + Flag("FlagNotaVariazione", false), {no, no});
+  if (quadro == "NE") return riepilogo(residenti + "'C' AND " + Flag("FlagNotaVariazione", true), {no, si});
+  if (quadro == "NR") return riepilogo(residenti + "'F' AND " + Flag("FlagNotaVariazione", true), {no, si});
+  if (quadro == "FN" || quadro == "BL002003")
+    return riepilogo(nonResidenti + "'C' AND " + Flag("FlagBlackList", false), {no, no});
+  if (quadro == "SE" || quadro == "BL002004")
+    return riepilogo(nonResidenti + "'F' AND " + Flag("FlagBlackList", false), {no, no});
+  if (quadro == "TU") return riepilogo("R.[FlagOperazTurismo] = ? AND R.[IndicatoreCliFor] = 'C'", {si});
+  if (quadro == "BL002002") return riepilogo(Flag("FlagBlackList", true), {si});
+  if (quadro == "DF")
+    return {"SELECT N.[IndicatoreCliFor], N.[CodiceCliFor], N.[RagioneSociale], N.[DataOperazione], "
+            "N.[ImportoDocumento], N.[IndTipoNoleggio], A.[Codice Fiscale] AS [CodiceFiscale] FROM "
+            "[Spesometro2013NoFattura] N LEFT JOIN [Anagrafica Clienti] A ON A.[Codice Cliente] = N.[CodiceCliFor] "
+            "WHERE N.[Anno] = ? AND N.[IndicatoreCliFor] = 'C' ORDER BY N.[CodiceCliFor], N.[DataOperazione]",
+            {Valore(anno)}};
+  throw std::invalid_argument("Quadro sconosciuto: '" + quadro + "'");
 }
 
-Recordset clsSpesometro2013::LocalizzaRecordQuadroFE(int anno) {
-  return Quadro(std::string(kResidenti) + " AND R.[IndicatoreCliFor] = 'C' AND " + Flag("FlagNotaVariazione", false),
-                {Valore(anno), Valore(false), Valore(false)});
+bool clsSpesometro2013::HaRighe(const std::string& quadro, int anno) {
+  SqlLettura q = SqlQuadro(quadro, anno);
+  return !cn->Scalare("SELECT 1 FROM (" + q.sql + ") X LIMIT 1", q.p).IsNull();
 }
-Recordset clsSpesometro2013::LocalizzaRecordQuadroFR(int anno) {
-  return Quadro(std::string(kResidenti) + " AND R.[IndicatoreCliFor] = 'F' AND " + Flag("FlagNotaVariazione", false),
-                {Valore(anno), Valore(false), Valore(false)});
+
+void clsSpesometro2013::ScorriQuadro(const std::string& quadro, int anno,
+                                     const std::function<void(const RigaLetta&)>& riga) {
+  SqlLettura q = SqlQuadro(quadro, anno);
+  long n = 0;
+  // What the row's work throws stops the scan first and is thrown once the scan is closed.
+  std::exception_ptr errore;
+  cn->Scorri(q.sql, q.p, [&](const std::vector<Colonna>& c, const std::vector<Valore>& v) {
+    try {
+      riga(RigaLetta(c, v));
+    } catch (...) {
+      errore = std::current_exception();
+      return false;
+    }
+    if (++n % 1000 == 0 && formAttiva)
+      formAttiva->msgbar("File telematico spesometro: quadro " + quadro.substr(0, 2) + ", " + std::to_string(n) +
+                         " righe...");
+    return true;
+  });
+  if (errore) std::rethrow_exception(errore);
 }
-Recordset clsSpesometro2013::LocalizzaRecordQuadroNE(int anno) {
-  return Quadro(std::string(kResidenti) + " AND R.[IndicatoreCliFor] = 'C' AND " + Flag("FlagNotaVariazione", true),
-                {Valore(anno), Valore(false), Valore(true)});
+
+Recordset clsSpesometro2013::Leggi(const std::string& quadro, int anno) {
+  SqlLettura q = SqlQuadro(quadro, anno);
+  return cn->Execute(q.sql, q.p);
 }
-Recordset clsSpesometro2013::LocalizzaRecordQuadroNR(int anno) {
-  return Quadro(std::string(kResidenti) + " AND R.[IndicatoreCliFor] = 'F' AND " + Flag("FlagNotaVariazione", true),
-                {Valore(anno), Valore(false), Valore(true)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroFN(int anno) {
-  return Quadro(std::string(kNonResidenti) + " AND R.[IndicatoreCliFor] = 'C' AND " + Flag("FlagBlackList", false),
-                {Valore(anno), Valore(false), Valore(false)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroSE(int anno) {
-  return Quadro(std::string(kNonResidenti) + " AND R.[IndicatoreCliFor] = 'F' AND " + Flag("FlagBlackList", false),
-                {Valore(anno), Valore(false), Valore(false)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroTU(int anno) {
-  return Quadro("R.[FlagOperazTurismo] = ? AND R.[IndicatoreCliFor] = 'C'", {Valore(anno), Valore(true)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002002(int anno) {
-  return Quadro(Flag("FlagBlackList", true), {Valore(anno), Valore(true)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002003(int anno) {
-  return Quadro(std::string(kNonResidenti) + " AND R.[IndicatoreCliFor] = 'C' AND " + Flag("FlagBlackList", false),
-                {Valore(anno), Valore(false), Valore(false)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002004(int anno) {
-  return Quadro(std::string(kNonResidenti) + " AND R.[IndicatoreCliFor] = 'F' AND " + Flag("FlagBlackList", false),
-                {Valore(anno), Valore(false), Valore(false)});
-}
-Recordset clsSpesometro2013::LocalizzaRecordQuadroDF(int anno) {
-  return cn->Execute("SELECT N.[IndicatoreCliFor], N.[CodiceCliFor], N.[RagioneSociale], N.[DataOperazione], "
-                     "N.[ImportoDocumento], N.[IndTipoNoleggio], A.[Codice Fiscale] AS [CodiceFiscale] FROM "
-                     "[Spesometro2013NoFattura] N LEFT JOIN [Anagrafica Clienti] A ON A.[Codice Cliente] = "
-                     "N.[CodiceCliFor] WHERE N.[Anno] = ? AND N.[IndicatoreCliFor] = 'C' ORDER BY N.[CodiceCliFor], "
-                     "N.[DataOperazione]",
-                     {Valore(anno)});
+
+Recordset clsSpesometro2013::LocalizzaRecordQuadroFE(int anno) { return Leggi("FE", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroFR(int anno) { return Leggi("FR", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroNE(int anno) { return Leggi("NE", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroNR(int anno) { return Leggi("NR", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroDF(int anno) { return Leggi("DF", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroFN(int anno) { return Leggi("FN", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroSE(int anno) { return Leggi("SE", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroTU(int anno) { return Leggi("TU", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002002(int anno) { return Leggi("BL002002", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002003(int anno) { return Leggi("BL002003", anno); }
+Recordset clsSpesometro2013::LocalizzaRecordQuadroBL_TipoBL002004(int anno) { return Leggi("BL002004", anno); }
+
+const Valore& RigaLetta::operator()(std::string_view nome) const {
+  for (size_t i = 0; i < colonne_.size(); ++i)
+    if (UgualeNoCase(colonne_[i].nome, nome)) return valori_[i];
+  throw ErroreDb(3265, "Colonna non trovata: " + std::string(nome));
 }
 
 // ================================================================ checks of the extraction
@@ -814,21 +840,21 @@ Valore F(Recordset& rs, const char* nome) { return rs.Fields(nome).Value(); }
 
 // The subject's identity of FN, SE (columns 1 to 10) and BL (section 001): a person, a company
 // or both by the subject's kind.
-void BloccoSoggetto(Recordset& rs, const std::function<void(int, const Valore&, const char*)>& campo) {
-  int ind = static_cast<int>(NullToZeroLng(F(rs, "IndSoggettoSpesometro")));
+void BloccoSoggetto(const RigaLetta& rs, const std::function<void(int, const Valore&, const char*)>& campo) {
+  int ind = static_cast<int>(NullToZeroLng(rs("IndSoggettoSpesometro")));
   if (ind != 2) {
-    campo(1, F(rs, "Cognome"), "AN");
-    campo(2, F(rs, "Nome"), "AN");
-    campo(3, F(rs, "DataNascita"), "DT");
-    campo(4, F(rs, "ComuneNascita"), "AN");
-    campo(5, F(rs, "ProvinciaNascita"), "PN");
-    campo(6, F(rs, "CodiceUICNazioneSedeLegale"), "UIC");
+    campo(1, rs("Cognome"), "AN");
+    campo(2, rs("Nome"), "AN");
+    campo(3, rs("DataNascita"), "DT");
+    campo(4, rs("ComuneNascita"), "AN");
+    campo(5, rs("ProvinciaNascita"), "PN");
+    campo(6, rs("CodiceUICNazioneSedeLegale"), "UIC");
   }
   if (ind != 3) {
-    campo(7, F(rs, "Denominazione"), "AN");
-    campo(8, F(rs, "Citta"), "AN");
-    campo(9, F(rs, "CodiceUICNazioneSedeLegale"), "UIC");
-    campo(10, F(rs, "Indirizzo"), "AN");
+    campo(7, rs("Denominazione"), "AN");
+    campo(8, rs("Citta"), "AN");
+    campo(9, rs("CodiceUICNazioneSedeLegale"), "UIC");
+    campo(10, rs("Indirizzo"), "AN");
   }
 }
 
@@ -849,13 +875,11 @@ void clsSpesometro2013::DatiAzienda(ArgomentiFileSpesometro& a) {
 }
 
 void clsSpesometro2013::QuadriConDati(ArgomentiFileSpesometro& a, int anno) {
-  auto ha = [](Recordset rs) { return rs.RecordCount() > 0 ? 1 : 0; };
+  auto ha = [&](const char* quadro) { return HaRighe(quadro, anno) ? 1 : 0; };
   bool aggregato = a.indiceFormato == 0;
-  int fe = ha(LocalizzaRecordQuadroFE(anno)), fr = ha(LocalizzaRecordQuadroFR(anno)),
-      ne = ha(LocalizzaRecordQuadroNE(anno)), nr = ha(LocalizzaRecordQuadroNR(anno)),
-      df = ha(LocalizzaRecordQuadroDF(anno)), fn = ha(LocalizzaRecordQuadroFN(anno)),
-      se = ha(LocalizzaRecordQuadroSE(anno)), tu = ha(LocalizzaRecordQuadroTU(anno));
-  int bl = ha(LocalizzaRecordQuadroBL_TipoBL002002(anno)) | fn | se;
+  int fe = ha("FE"), fr = ha("FR"), ne = ha("NE"), nr = ha("NR"), df = ha("DF"), fn = ha("FN"), se = ha("SE"),
+      tu = ha("TU");
+  int bl = ha("BL002002") | fn | se;
   a.quadroFA = aggregato ? (fe | fr | ne | nr) : 0;
   a.quadroSA = aggregato ? df : 0;
   a.quadroBL = aggregato ? bl : 0;
@@ -927,8 +951,8 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
         Recordset rs = perPartitaIva ? LocalizzaRecordQuadroAggregatoByPartitaIVA(anno, "FA", codice)
                                      : LocalizzaRecordQuadroAggregatoByCodiceFiscale(anno, "FA", codice);
         for (; !rs.Eof(); rs.MoveNext()) {
-          std::string colonna = T(F(rs, "Identificativo")).substr(5, 3);
-          Importo v = Imp(F(rs, "Valore"));
+          std::string colonna = T(rs("Identificativo")).substr(5, 3);
+          Importo v = Imp(rs("Valore"));
           FA.Campo(std::stoi(colonna), Valore(numeriFA(colonna) ? Assoluto(v) : v), "NP");
         }
         FA.FineRiga();
@@ -946,7 +970,7 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
         SA.Campo(2, Valore(static_cast<long long>(GetNumeroOperazioniQuadroSA(anno, cf))), "NP");
         Recordset rs = LocalizzaRecordQuadroAggregatoByCodiceFiscale(anno, "SA", cf);
         for (; !rs.Eof(); rs.MoveNext())
-          SA.Campo(std::stoi(T(F(rs, "Identificativo")).substr(5, 3)), F(rs, "Valore"), "NP");
+          SA.Campo(std::stoi(T(rs("Identificativo")).substr(5, 3)), rs("Valore"), "NP");
         SA.FineRiga();
         ++ta["TA002001"];
       }
@@ -968,12 +992,10 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
           if (s.first == chiave) return &s.second;
         return nullptr;
       };
-      Recordset elenchi[3] = {LocalizzaRecordQuadroBL_TipoBL002002(anno), LocalizzaRecordQuadroBL_TipoBL002003(anno),
-                              LocalizzaRecordQuadroBL_TipoBL002004(anno)};
+      const char* elenchi[3] = {"BL002002", "BL002003", "BL002004"};
       for (int k = 0; k < 3; ++k) {
-        Recordset& rs = elenchi[k];
-        for (; !rs.Eof(); rs.MoveNext()) {
-          std::string chiave = T(F(rs, "IndicatoreCliFor")) + " " + T(F(rs, "CodiceCliFor"));
+        ScorriQuadro(elenchi[k], anno, [&](const RigaLetta& rs) {
+          std::string chiave = T(rs("IndicatoreCliFor")) + " " + T(rs("CodiceCliFor"));
           SoggettoBL* s = trova(chiave);
           if (!s) {
             soggetti.push_back({chiave, SoggettoBL{}});
@@ -985,16 +1007,16 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
               std::snprintf(id, sizeof id, "BL001%03d", c);
               campi.push_back({id, {v, f}});
             });
-            std::string pi = T(F(rs, "PartitaIVA"));
-            campi.push_back({"BL002001", {Valore(pi.empty() ? T(F(rs, "CodiceFiscale")) : pi), "AN"}});
+            std::string pi = T(rs("PartitaIVA"));
+            campi.push_back({"BL002001", {Valore(pi.empty() ? T(rs("CodiceFiscale")) : pi), "AN"}});
             s->identita = [campi](Pagine& p) {
               for (const auto& [id, vf] : campi) p.CampoBL(id, vf.first, vf.second);
             };
           }
           s->kind[k] = true;
-          bool cliente = T(F(rs, "IndicatoreCliFor")) != "F";
-          bool nota = F(rs, "FlagNotaVariazione").Vero();
-          Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
+          bool cliente = T(rs("IndicatoreCliFor")) != "F";
+          bool nota = rs("FlagNotaVariazione").Vero();
+          Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
           if (cliente && nota) {
             s->importi["BL005001"] += Assoluto(imp);
             s->importi["BL005002"] += Assoluto(iva);
@@ -1010,7 +1032,7 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
             s->importi["BL006001"] += imp;
             s->importi["BL006002"] += iva;
           }
-        }
+        });
       }
       for (auto& [chiave, s] : soggetti) {
         s.identita(BL);
@@ -1028,11 +1050,11 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
     }
 
     // ---- the analytic quadri, one row a document
-    auto prefisso = [](const std::string& q, Recordset& rs, bool protocollo) {
-      return "Quadro " + q + ": Per il soggetto " + T(F(rs, "IndicatoreCliFor")) + " " + T(F(rs, "CodiceCliFor")) +
-             (protocollo ? " ed il protocollo numero " + T(F(rs, "NumeroDiProtocollo"))
-                         : " ed il documento numero " + NumeroFatt(F(rs, "NumeroDocumento"), F(rs, "SerieDocumento"))) +
-             " del " + DataTesto(F(rs, "DataDocumento"));
+    auto prefisso = [](const std::string& q, const RigaLetta& rs, bool protocollo) {
+      return "Quadro " + q + ": Per il soggetto " + T(rs("IndicatoreCliFor")) + " " + T(rs("CodiceCliFor")) +
+             (protocollo ? " ed il protocollo numero " + T(rs("NumeroDiProtocollo"))
+                         : " ed il documento numero " + NumeroFatt(rs("NumeroDocumento"), rs("SerieDocumento"))) +
+             " del " + DataTesto(rs("DataDocumento"));
     };
     const std::string kNegativa = " è stato riscontrato un imponibile o un'imposta negativa, si consiglia di "
                                   "contrassegnare questo documento come nota di variazione.";
@@ -1043,10 +1065,10 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
 
     if (FE.richiesto) {
       progresso("FE");
-      for (Recordset rs = LocalizzaRecordQuadroFE(anno); !rs.Eof(); rs.MoveNext()) {
-        std::string pi = T(F(rs, "PartitaIVA")), cf = T(F(rs, "CodiceFiscale"));
-        bool riepilogativo = F(rs, "FlagDocRiepilogativo").Vero();
-        Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
+      ScorriQuadro("FE", anno, [&](const RigaLetta& rs) {
+        std::string pi = T(rs("PartitaIVA")), cf = T(rs("CodiceFiscale"));
+        bool riepilogativo = rs("FlagDocRiepilogativo").Vero();
+        Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
         std::string pre = prefisso("FE", rs, false);
         if (pi.empty() && cf.empty() && !riepilogativo) {
           segnala(pre + " è stata riscontrata l'assenza della partita IVA, del codice fiscale e del flag documento "
@@ -1059,25 +1081,25 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
         if (riepilogativo) FE.Campo(3, Valore(1), "CB");
         else if (!pi.empty()) FE.Campo(1, Valore(pi), "PI");
         else FE.Campo(2, Valore(cf), "CF");
-        FE.Campo(4, F(rs, "FlagIVANonEsposta").Vero() ? Valore(1) : Valore(0), "CB");
-        FE.Campo(7, F(rs, "DataDocumento"), "DT");
-        FE.Campo(8, F(rs, "DataRegistrazione"), "DT");
-        FE.Campo(9, Valore(NumeroFatt(F(rs, "NumeroDocumento"), F(rs, "SerieDocumento"))), "AN");
+        FE.Campo(4, rs("FlagIVANonEsposta").Vero() ? Valore(1) : Valore(0), "CB");
+        FE.Campo(7, rs("DataDocumento"), "DT");
+        FE.Campo(8, rs("DataRegistrazione"), "DT");
+        FE.Campo(9, Valore(NumeroFatt(rs("NumeroDocumento"), rs("SerieDocumento"))), "AN");
         FE.Campo(10, Valore(imp), "NP");
         FE.Campo(11, Valore(iva), "NP");
         FE.Campo(12, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         FE.FineRiga();
         ++ta[riepilogativo ? "TA004002" : "TA004001"];
-      }
+      });
       FE.Chiudi();
       vuoto(FE);
     }
     if (FR.richiesto) {
       progresso("FR");
-      for (Recordset rs = LocalizzaRecordQuadroFR(anno); !rs.Eof(); rs.MoveNext()) {
-        std::string pi = T(F(rs, "PartitaIVA"));
-        bool riepilogativo = F(rs, "FlagDocRiepilogativo").Vero();
-        Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
+      ScorriQuadro("FR", anno, [&](const RigaLetta& rs) {
+        std::string pi = T(rs("PartitaIVA"));
+        bool riepilogativo = rs("FlagDocRiepilogativo").Vero();
+        Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
         std::string pre = prefisso("FR", rs, true);
         if (pi.empty() && !riepilogativo)
           segnala(pre + " è stata riscontrata l'assenza della partita IVA e del flag documento riepilogativo, occorre "
@@ -1086,24 +1108,24 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
         if (imp.Zero() && iva.Zero()) segnala(pre + kZero);
         if (riepilogativo) FR.Campo(2, Valore(1), "CB");
         else FR.Campo(1, Valore(pi), "PI");
-        FR.Campo(3, F(rs, "DataDocumento"), "DT");
-        FR.Campo(4, F(rs, "DataRegistrazione"), "DT");
-        FR.Campo(5, F(rs, "FlagIVANonEsposta").Vero() ? Valore(1) : Valore(0), "CB");
+        FR.Campo(3, rs("DataDocumento"), "DT");
+        FR.Campo(4, rs("DataRegistrazione"), "DT");
+        FR.Campo(5, rs("FlagIVANonEsposta").Vero() ? Valore(1) : Valore(0), "CB");
         FR.Campo(8, Valore(imp), "NP");
         FR.Campo(9, Valore(iva), "NP");
         FR.Campo(10, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         FR.FineRiga();
         ++ta[riepilogativo ? "TA005002" : "TA005001"];
-      }
+      });
       FR.Chiudi();
       vuoto(FR);
     }
     // Variation notes: stored negative, carried unsigned.
-    auto note = [&](Pagine& q, Recordset rs, bool emesse) {
+    auto note = [&](Pagine& q, bool emesse) {
       progresso(q.nome);
-      for (; !rs.Eof(); rs.MoveNext()) {
-        std::string pi = T(F(rs, "PartitaIVA")), cf = T(F(rs, "CodiceFiscale"));
-        Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
+      ScorriQuadro(q.nome, anno, [&](const RigaLetta& rs) {
+        std::string pi = T(rs("PartitaIVA")), cf = T(rs("CodiceFiscale"));
+        Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
         std::string pre = prefisso(q.nome, rs, !emesse);
         if (emesse && pi.empty() && cf.empty())
           segnala(pre + " è stata riscontrata l'assenza della partita IVA e del codice fiscale, occorre impostare uno "
@@ -1124,98 +1146,98 @@ int clsSpesometro2013::MakeFileTelematicoSpesometro(const ArgomentiFileSpesometr
           q.Campo(1, Valore(pi), "PI");
           c = 2;
         }
-        q.Campo(c++, F(rs, "DataDocumento"), "DT");
-        q.Campo(c++, F(rs, "DataRegistrazione"), "DT");
-        if (emesse) q.Campo(c++, Valore(NumeroFatt(F(rs, "NumeroDocumento"), F(rs, "SerieDocumento"))), "AN");
+        q.Campo(c++, rs("DataDocumento"), "DT");
+        q.Campo(c++, rs("DataRegistrazione"), "DT");
+        if (emesse) q.Campo(c++, Valore(NumeroFatt(rs("NumeroDocumento"), rs("SerieDocumento"))), "AN");
         q.Campo(c++, Valore(Assoluto(imp)), "NP");
         q.Campo(c++, Valore(Assoluto(iva)), "NP");
         q.Campo(c, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         q.FineRiga();
         ++ta[emesse ? "TA006001" : "TA007001"];
-      }
+      });
       q.Chiudi();
       vuoto(q);
     };
-    if (NE.richiesto) note(NE, LocalizzaRecordQuadroNE(anno), true);
-    if (NR.richiesto) note(NR, LocalizzaRecordQuadroNR(anno), false);
+    if (NE.richiesto) note(NE, true);
+    if (NR.richiesto) note(NR, false);
     if (DF.richiesto) {
       progresso("DF");
-      for (Recordset rs = LocalizzaRecordQuadroDF(anno); !rs.Eof(); rs.MoveNext()) {
-        std::string cf = T(F(rs, "CodiceFiscale"));
-        Importo imp = Imp(F(rs, "ImportoDocumento"));
-        std::string pre = "Quadro DF: Per il soggetto " + T(F(rs, "IndicatoreCliFor")) + " " +
-                          T(F(rs, "CodiceCliFor")) + " e l'operazione del " + DataTesto(F(rs, "DataOperazione"));
+      ScorriQuadro("DF", anno, [&](const RigaLetta& rs) {
+        std::string cf = T(rs("CodiceFiscale"));
+        Importo imp = Imp(rs("ImportoDocumento"));
+        std::string pre = "Quadro DF: Per il soggetto " + T(rs("IndicatoreCliFor")) + " " +
+                          T(rs("CodiceCliFor")) + " e l'operazione del " + DataTesto(rs("DataOperazione"));
         if (cf.empty())
           segnala(pre + " è stata riscontrata l'assenza del codice fiscale, occorre impostare uno di questo campo.");
         if (imp < Importo(3600)) segnala(pre + " è stato riscontrato un importo inferiore a 3600 euro.");
         DF.Campo(1, Valore(cf), "CF");
-        DF.Campo(2, F(rs, "DataOperazione"), "DT");
+        DF.Campo(2, rs("DataOperazione"), "DT");
         DF.Campo(3, Valore(imp), "NP");
-        DF.Campo(4, F(rs, "IndTipoNoleggio"), "AN");
+        DF.Campo(4, rs("IndTipoNoleggio"), "AN");
         DF.Campo(5, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         DF.FineRiga();
         ++ta["TA008001"];
-      }
+      });
       DF.Chiudi();
       vuoto(DF);
     }
-    auto esteri = [&](Pagine& q, Recordset rs, bool acquisti) {
+    auto esteri = [&](Pagine& q, bool acquisti) {
       progresso(q.nome);
-      for (; !rs.Eof(); rs.MoveNext()) {
-        Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
+      ScorriQuadro(q.nome, anno, [&](const RigaLetta& rs) {
+        Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
         std::string pre = prefisso(q.nome, rs, false);
         if (imp < Importo() || iva < Importo()) segnala(pre + kNegativaVerifica);
         BloccoSoggetto(rs, [&](int c, const Valore& v, const char* f) { q.Campo(c, v, f); });
         int c = 11;
         if (acquisti) {
-          std::string pi = T(F(rs, "PartitaIVA")), cf = T(F(rs, "CodiceFiscale"));
-          if (T(F(rs, "CodiceUICNazioneSedeLegale")) == "037" && pi.empty() && cf.empty())
+          std::string pi = T(rs("PartitaIVA")), cf = T(rs("CodiceFiscale"));
+          if (T(rs("CodiceUICNazioneSedeLegale")) == "037" && pi.empty() && cf.empty())
             segnala(pre + " è stata riscontrata l'assenza della partita IVA e del codice fiscale, dato obbligatorio "
                           "per acquisti da operatori San Marino.");
           q.Campo(c++, Valore(pi.empty() ? cf : pi), "AN");
         }
-        q.Campo(c++, F(rs, "DataDocumento"), "DT");
-        q.Campo(c++, F(rs, "DataRegistrazione"), "DT");
-        q.Campo(c++, Valore(NumeroFatt(F(rs, "NumeroDocumento"), F(rs, "SerieDocumento"))), "AN");
+        q.Campo(c++, rs("DataDocumento"), "DT");
+        q.Campo(c++, rs("DataRegistrazione"), "DT");
+        q.Campo(c++, Valore(NumeroFatt(rs("NumeroDocumento"), rs("SerieDocumento"))), "AN");
         if (!acquisti) ++c;  // FN 014, rental or leasing: not kept by the journal
         q.Campo(c++, Valore(imp), "NP");
         q.Campo(c++, Valore(iva), "NP");
         q.Campo(c, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         q.FineRiga();
         ++ta[acquisti ? "TA010001" : "TA009001"];
-      }
+      });
       q.Chiudi();
       vuoto(q);
     };
-    if (FN.richiesto) esteri(FN, LocalizzaRecordQuadroFN(anno), false);
-    if (SE.richiesto) esteri(SE, LocalizzaRecordQuadroSE(anno), true);
+    if (FN.richiesto) esteri(FN, false);
+    if (SE.richiesto) esteri(SE, true);
     if (TU.richiesto) {
       progresso("TU");
-      for (Recordset rs = LocalizzaRecordQuadroTU(anno); !rs.Eof(); rs.MoveNext()) {
-        Importo imp = Imp(F(rs, "Imponibile")), iva = Imp(F(rs, "Imposta"));
-        if (NullToZeroLng(F(rs, "IndSoggettoSpesometro")) != 3) {
+      ScorriQuadro("TU", anno, [&](const RigaLetta& rs) {
+        Importo imp = Imp(rs("Imponibile")), iva = Imp(rs("Imposta"));
+        if (NullToZeroLng(rs("IndSoggettoSpesometro")) != 3) {
           const std::string t = "Rilevata operazione turismo (record TU) con Indicatore Soggetto Spesometro diverso "
                                 "da SOGGETTO NON RESIDENTE PERSONA FISICA";
           segnala(prefisso("TU", rs, false) + ": " + t);
           Host().MsgBox(t, vbExclamation, "Make file telematico spesometro");
         }
-        TU.Campo(1, F(rs, "Cognome"), "AN");
-        TU.Campo(2, F(rs, "Nome"), "AN");
-        TU.Campo(3, F(rs, "DataNascita"), "DT");
-        TU.Campo(4, F(rs, "ComuneNascita"), "AN");
-        TU.Campo(5, F(rs, "ProvinciaNascita"), "PN");
-        TU.Campo(6, F(rs, "Citta"), "AN");
-        TU.Campo(7, F(rs, "CodiceUICNazioneSedeLegale"), "UIC");
-        TU.Campo(8, F(rs, "Indirizzo"), "AN");
-        TU.Campo(9, F(rs, "DataDocumento"), "DT");
-        TU.Campo(10, F(rs, "DataRegistrazione"), "DT");
-        TU.Campo(11, Valore(NumeroFatt(F(rs, "NumeroDocumento"), F(rs, "SerieDocumento"))), "AN");
+        TU.Campo(1, rs("Cognome"), "AN");
+        TU.Campo(2, rs("Nome"), "AN");
+        TU.Campo(3, rs("DataNascita"), "DT");
+        TU.Campo(4, rs("ComuneNascita"), "AN");
+        TU.Campo(5, rs("ProvinciaNascita"), "PN");
+        TU.Campo(6, rs("Citta"), "AN");
+        TU.Campo(7, rs("CodiceUICNazioneSedeLegale"), "UIC");
+        TU.Campo(8, rs("Indirizzo"), "AN");
+        TU.Campo(9, rs("DataDocumento"), "DT");
+        TU.Campo(10, rs("DataRegistrazione"), "DT");
+        TU.Campo(11, Valore(NumeroFatt(rs("NumeroDocumento"), rs("SerieDocumento"))), "AN");
         TU.Campo(12, Valore(imp), "NP");
         TU.Campo(13, Valore(iva), "NP");
         TU.Campo(14, Valore(SuperaImportoMassimo(imp) ? 1 : 0), "CB");
         TU.FineRiga();
         ++ta["TA011001"];
-      }
+      });
       TU.Chiudi();
       vuoto(TU);
     }

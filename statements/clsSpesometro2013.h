@@ -10,7 +10,9 @@
 // carries each amount unsigned in its own column.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
+#include <string_view>
 #include <string>
 #include <vector>
 
@@ -58,6 +60,18 @@ struct ContenutoFileSpesometro {
 // same module.
 std::vector<std::string> RecordDellaPagina(char tipo, const std::string& codiceFiscale, long modulo,
                                            const std::string& pagina);
+
+// A row of a reader, its values by column name (without regard to case).
+class RigaLetta {
+ public:
+  RigaLetta(const std::vector<Colonna>& colonne, const std::vector<Valore>& valori)
+      : colonne_(colonne), valori_(valori) {}
+  const Valore& operator()(std::string_view nome) const;
+
+ private:
+  const std::vector<Colonna>& colonne_;
+  const std::vector<Valore>& valori_;
+};
 
 class clsSpesometro2013 {
  public:
@@ -160,7 +174,16 @@ class clsSpesometro2013 {
   static bool SembraReportSpesometro(const std::string& percorso);
 
  private:
-  Recordset Quadro(const std::string& filtro, const Parametri& p);
+  // The reader of a quadro ("FE", ..., "DF", and "BL002002" to "BL002004" for BL's three kinds).
+  struct SqlLettura {
+    std::string sql;
+    Parametri p;
+  };
+  SqlLettura SqlQuadro(const std::string& quadro, int anno);
+  Recordset Leggi(const std::string& quadro, int anno);
+  bool HaRighe(const std::string& quadro, int anno);
+  // Streams the rows, without holding them all, telling the progress every thousand.
+  void ScorriQuadro(const std::string& quadro, int anno, const std::function<void(const RigaLetta&)>& riga);
   void AccodaQuadroFA(int anno, const std::string& identificativo, const std::string& cliFor, bool nota,
                       bool ivaNonEsposta, const std::string& colonna);
   ContenutoFileSpesometro contenuto_;
