@@ -341,3 +341,33 @@ TEST_P(Spesometro, ExcludedCodesAndBlackListedNationsComeInOnlyWithoutFilters) {
   EXPECT_NE(r[3].find("BL002004" + Dx("1") + "BL006001" + Dx("1000") + "BL006002" + Dx("220")), std::string::npos);
   EXPECT_EQ(r[4].substr(89, 24 * 3), "TA003001" + Dx("1") + "TA003003" + Dx("1") + B(24));
 }
+
+TEST_P(Spesometro, OperationsWithoutInvoiceGoToDFOneByOneAndToSABySubject) {
+  s.cn = cn;
+  for (const auto& [data, importo] : {std::pair<const char*, const char*>{"10/03/2024", "1000"}, {"11/04/2024", "4000.60"}})
+    cn->Esegui("INSERT INTO [Spesometro2013NoFattura] ([Anno], [IndicatoreCliFor], [CodiceCliFor], [RagioneSociale], "
+               "[DataOperazione], [ImportoDocumento]) VALUES (2024, 'C', '2', 'Mario Rossi', ?, ?)",
+               {Valore(data), Valore(*Importo::DaTestoPunto(importo))});
+  ArgomentiFileSpesometro a = Argomenti("df.txt");
+  a.quadroDF = 1;
+  long segnalazioni = 0;
+  ASSERT_EQ(s.MakeFileTelematicoSpesometro(a, segnalazioni), 1) << host->Ultimo();
+  EXPECT_NE(LeggiFile(a.nomeFileSegnalazioni)
+                .find("Quadro DF: Per il soggetto C 2 e l'operazione del 10/03/2024 è stato riscontrato un importo "
+                      "inferiore a 3600 euro.\n"),
+            std::string::npos);
+  auto r = Record(LeggiFile(a.nomeFile));
+  ASSERT_EQ(r.size(), 5u);
+  EXPECT_EQ(r[2].substr(89, 24 * 4), "DF001001RSSMRA80A01H501U" "DF001002" + Dx("10032024") + "DF001003" +
+                                         Dx("1000") + "DF002001RSSMRA80A01H501U");
+  EXPECT_NE(r[2].find("DF002003" + Dx("4001")), std::string::npos);
+
+  a = Argomenti("sa.txt");
+  a.indiceFormato = 0;
+  a.quadroSA = 1;
+  ASSERT_EQ(s.MakeFileTelematicoSpesometro(a, segnalazioni), 0) << host->Ultimo();
+  r = Record(LeggiFile(a.nomeFile));
+  ASSERT_EQ(r.size(), 5u);
+  EXPECT_EQ(r[2].substr(89, 24 * 4), "SA001001RSSMRA80A01H501U" "SA001002" + Dx("2") + "SA001003" + Dx("5001") + B(24));
+  EXPECT_EQ(r[3].substr(89, 24), "TA002001" + Dx("1"));
+}
