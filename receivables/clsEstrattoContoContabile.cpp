@@ -58,13 +58,15 @@ std::string clsEstrattoContoContabile::DescrizioneTipoEffetto(const std::string&
 }
 
 void clsEstrattoContoContabile::Scrivi(const Riga& r) {
+  // A parameter written exactly as a date binds as a date: the date's text goes with a mark in
+  // front that the statement takes off, so that the column holds "dd/mm/yyyy" on both engines.
   cn->Esegui(
       "INSERT INTO [Elaborazione Estratto Conto Vorn] ([ClientName], [TipoCliFor], [CodiceCliente], [RagioneSociale], "
       "[Descrizione], [TextNumeroDoc], [SerieDoc], [Filler], [TextDataDoc], [SimboloValuta], [TextImportoScadenza], "
       "[TextImportoPagato], [TextImportoProgressivo], [Note], [Numero Progressivo], [NumeroRegistrazione], "
-      "[CausaleContabile]) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+      "[CausaleContabile]) VALUES (?, ?, ?, ?, ?, ?, ?, ?, substr(?, 2), ?, ?, ?, ?, ?, ?, ?, ?)",
       {Valore(r.clientName), Valore(r.tipo), Valore(r.codice), Valore(r.ragione), Valore(r.descrizione),
-       Valore(r.numeroDoc), Valore(r.serie), Valore(""), Valore(r.dataDoc), Valore(r.simbolo), Valore(r.scadenza),
+       Valore(r.numeroDoc), Valore(r.serie), Valore(""), Valore("#" + r.dataDoc), Valore(r.simbolo), Valore(r.scadenza),
        Valore(r.pagato), Valore(r.progressivo), Valore(r.note), r.numeroProgressivo, Valore(r.numeroRegistrazione),
        Valore(r.causale)});
 }
@@ -109,6 +111,7 @@ void clsEstrattoContoContabile::AggiungiPagamenti(IForm* objFormAttiva, const st
                                                   Importo& SaldoPartita, Importo& SaldoProgressivo,
                                                   const Valore& dataRiferimento) {
   const Valore numero(static_cast<long long>(NullToZeroLng(Numero_progressivo)));
+  if (objFormAttiva) objFormAttiva->msgbar("Estratto conto: pagamenti della scadenza n. " + numero.Testo());
   Recordset rs = cn->Execute(
       "SELECT P.[Riga], P.[Importo pagato], P.[Data pagamento], P.[Descrizione Pagamento], P.[NumeroRegistrazione], "
       "S.[tipo], S.[Codice Cliente], S.[Ragione Sociale], S.[Codice valuta], S.[Importo Scadenza], "
@@ -159,10 +162,10 @@ void clsEstrattoContoContabile::AggiungiPagamenti(IForm* objFormAttiva, const st
     r.progressivo = Formatta(SaldoProgressivo, v[8]);
     r.numeroProgressivo = numero;
     r.numeroRegistrazione = T(v[4]);
+    if (!r.numeroRegistrazione.empty()) attribuito_[r.numeroRegistrazione] -= pagato;
     Scrivi(r);
     ++numeroRiga;
   }
-  if (objFormAttiva) objFormAttiva->msgbar("Estratto conto: pagamenti della scadenza n. " + numero.Testo());
 }
 
 bool clsEstrattoContoContabile::MakeEstrattoConto(IForm* objFormAttiva, const std::string& clientName,
@@ -200,9 +203,12 @@ bool clsEstrattoContoContabile::MakeEstrattoConto(IForm* objFormAttiva, const st
   const std::string simboloConto = G().SimboloValutaConto;
 
   bool dati = false;
+  saldoFinale_ = Importo();
   ConRiprova(*cn, [&] {
     Atomico unita(*cn);
     dati = false;
+    differenze_ = 0;
+    attribuito_.clear();
     cn->Esegui("DELETE FROM [Elaborazione Estratto Conto Vorn] WHERE [ClientName] = ?", {Valore(clientName)});
     Recordset documenti = cn->Execute(
         "SELECT [Tipo], [Codice Cliente], MIN([Ragione Sociale]), [Numero Documento], COALESCE([Serie], ''), "
@@ -256,6 +262,7 @@ bool clsEstrattoContoContabile::MakeEstrattoConto(IForm* objFormAttiva, const st
         r.progressivo = Formatta(saldoProgressivo, valuta);
         r.note = T(rate(5).Value());
         r.numeroProgressivo = rate(0).Value();
+        if (!testa.numeroRegistrazione.empty()) attribuito_[testa.numeroRegistrazione] += importo;
         r.numeroRegistrazione.clear();
         Scrivi(r);
         ++numeroRiga;
@@ -271,32 +278,35 @@ bool clsEstrattoContoContabile::MakeEstrattoConto(IForm* objFormAttiva, const st
       ++numeroRiga;
     }
 
-    // The journal movements of the counterparty that no instalment or payment of the book
-    // accounts for, by date; each entry one line, its rows on the account summed.
-    const Parametri p = {Valore(ind),  Valore(codice), da,           finoA,        Valore(tipo),
-                         Valore(codice), Valore(tipo), Valore(codice)};
+    // The journal entries of the counterparty in the range, by date, each with the sum of its
+    // rows on the account: an entry the book does not name is a line of its own; one it names
+    // gives a line only for what the journal moved beyond the book's lines.
+    const Parametri p = {Valore(ind), Valore(codice), da, finoA};
     Recordset movimenti = cn->Execute(
         "SELECT P.[NumeroRegistrazione], MIN(P.[DataRegistrazione]), MIN(P.[CodiceCausale]), "
         "MIN(C.[DescrizioneCausale]), MIN(P.[DescrizioneSupplem]), MIN(P.[NumeroDocumento]), "
         "MIN(P.[SerieDocumento]), SUM(CASE WHEN P.[DareAvere] = 'D' THEN P.[ImportoMovimento] ELSE "
-        "-P.[ImportoMovimento] END), MIN(P.[DataDocumento]) FROM [Prima Nota] P LEFT JOIN [Causali Contabili] C ON "
+        "-P.[ImportoMovimento] END) FROM [Prima Nota] P LEFT JOIN [Causali Contabili] C ON "
         "C.[CodiceCausale] = P.[CodiceCausale] WHERE P.[IndClienteFornitore] = ? AND P.[CodClienteFornitore] = ? AND "
-        "P.[DataRegistrazione] >= ? AND P.[DataRegistrazione] <= ? AND P.[NumeroRegistrazione] NOT IN (SELECT "
-        "[numeroRegistrazione] FROM [Scadenziario] WHERE [Tipo] = ? AND [Codice Cliente] = ? AND "
-        "[numeroRegistrazione] IS NOT NULL) AND P.[NumeroRegistrazione] NOT IN (SELECT [NumeroRegistrazione] FROM "
-        "[Scadenziario Pagamenti] WHERE [tipo] = ? AND [Codice Cliente] = ? AND [NumeroRegistrazione] IS NOT NULL) "
-        "GROUP BY P.[NumeroRegistrazione] ORDER BY MIN(P.[DataRegistrazione]), P.[NumeroRegistrazione]",
+        "P.[DataRegistrazione] >= ? AND P.[DataRegistrazione] <= ? GROUP BY P.[NumeroRegistrazione] "
+        "ORDER BY MIN(P.[DataRegistrazione]), P.[NumeroRegistrazione]",
         p);
+    // A line of the counterparty outside its documents.
+    Riga conto;
+    conto.clientName = clientName;
+    conto.tipo = tipo;
+    conto.codice = codice;
+    conto.ragione = ragioneAnagrafica;
+    conto.simbolo = simboloConto;
     bool primo = true;
     for (; !movimenti.Eof(); movimenti.MoveNext()) {
+      const std::string registrazione = T(movimenti(0).Value());
+      Importo importo = NullToZeroCy(movimenti(7).Value());
+      auto nominata = attribuito_.find(registrazione);
+      if (nominata != attribuito_.end()) importo -= nominata->second;
+      if (nominata != attribuito_.end() && importo.Zero()) continue;
       dati = true;
-      const Importo importo = NullToZeroCy(movimenti(7).Value());
-      Riga r;
-      r.clientName = clientName;
-      r.tipo = tipo;
-      r.codice = codice;
-      r.ragione = ragioneAnagrafica;
-      r.simbolo = simboloConto;
+      Riga r = conto;
       if (primo) {
         primo = false;
         r.descrizione = "Movimenti contabili senza scadenze";
@@ -309,29 +319,31 @@ bool clsEstrattoContoContabile::MakeEstrattoConto(IForm* objFormAttiva, const st
       r.numeroDoc = NullToZeroLng(movimenti(5).Value()) ? T(movimenti(5).Value()) : std::string();
       r.serie = T(movimenti(6).Value());
       r.dataDoc = TestoData(movimenti(1).Value());
-      // A movement that raises what the counterparty owes stands among the amounts due, one
-      // that lowers it among the amounts paid.
-      const bool dovuto = importo > Importo();
-      (dovuto ? r.scadenza : r.pagato) = Formatta(dovuto ? importo : -importo, Valore(""));
+      if (nominata != attribuito_.end()) {
+        r.note = "Differenza tra scadenziario e prima nota";
+        ++differenze_;
+      }
+      // A movement on the counterparty's own side (a client's debit, a supplier's credit) stands
+      // among the amounts due with the sign of the instalments, the others among the amounts
+      // paid with the sign of the payments.
+      const bool dovuto = tipo == "CL" ? importo > Importo() : importo < Importo();
+      if (dovuto) r.scadenza = Formatta(importo, Valore(""));
+      else r.pagato = Formatta(-importo, Valore(""));
       saldoProgressivo += importo;
       r.progressivo = Formatta(saldoProgressivo, Valore(""));
-      r.numeroRegistrazione = T(movimenti(0).Value());
+      r.numeroRegistrazione = registrazione;
       r.causale = T(movimenti(2).Value());
       Scrivi(r);
       ++numeroRiga;
     }
     if (dati) {
-      Riga fine;
-      fine.clientName = clientName;
-      fine.tipo = tipo;
-      fine.codice = codice;
-      fine.ragione = ragioneAnagrafica;
-      fine.simbolo = simboloConto;
+      Riga fine = conto;
       fine.descrizione = " Saldo finale";
       fine.progressivo = Formatta(saldoProgressivo, Valore(""));
       Scrivi(fine);
     }
     unita.Conferma();
+    saldoFinale_ = saldoProgressivo;
   });
   if (!dati) {
     Host().MsgBox("Nessun dato da elaborare.", vbInformation, kTitolo);

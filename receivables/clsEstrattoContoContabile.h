@@ -2,15 +2,18 @@
 // instalments and their payments, the balance of the item and a running balance, written into
 // [Elaborazione Estratto Conto Vorn] under the client's name and read back in the order of [ID].
 //
-// The statement is a statement of the account, not of the due-date book alone: the journal
-// movements of the counterparty that no instalment or payment accounts for (a receipt entered
-// in the journal without closing its instalment, an opening, a giro) follow the documents, so
-// that the final running balance is the balance of the counterparty's account in the journal
-// over the same dates when the due-date book agrees with the journal.
+// The statement is a statement of the account, not of the due-date book alone: after the
+// documents come the journal movements of the counterparty that no instalment or payment
+// accounts for (a receipt entered in the journal without closing its instalment, an opening, a
+// giro), and, for an entry that the book does name, the difference when the journal moved the
+// account by another amount (noted "Differenza tra scadenziario e prima nota"). So the final
+// running balance is the balance of the counterparty's account in the journal over the same
+// dates, but for payments of the book whose entries are not in the journal.
 //
 // Sides: the amounts are those of the due-date book, debit positive (a supplier's instalments
 // are stored negative); a payment lowers the open amount of its instalment.
 #pragma once
+#include <map>
 #include <string>
 
 #include "frame/ConnessioneClasse.h"
@@ -52,6 +55,11 @@ class clsEstrattoContoContabile {
                          const Valore& avarTipoCliFor, const Valore& avarCodiceCliFor, const Valore& avar_DaData,
                          const Valore& avar_AData, const Valore& avar_DataRiferimento, Recordset& TE);
 
+  // The final running balance of the last statement built (0 when none was).
+  Importo SaldoFinale() const { return saldoFinale_; }
+  // Its lines of difference between the due-date book and the journal.
+  long Differenze() const { return differenze_; }
+
   // The label of an instalment's kind ("Ricevuta bancaria"...); the code itself when unknown.
   static std::string DescrizioneTipoEffetto(const std::string& codice);
 
@@ -60,6 +68,10 @@ class clsEstrattoContoContabile {
   void Scrivi(const Riga& r);
   std::string Formatta(Importo i, const Valore& valuta);
   clsValute* valute_ = nullptr;
+  Importo saldoFinale_;
+  long differenze_ = 0;
+  // What the lines of the statement being built put on each journal entry.
+  std::map<std::string, Importo> attribuito_;
 };
 
 }  // namespace vorn
