@@ -252,8 +252,27 @@ void CostruisciCatena(Connessione& cn, Tabelle& t, const Catena& c, IForm* form)
         "COALESCE([Saldi Piano Dei Conti].[DareProgressivo], 0) - "
         "COALESCE([Saldi Piano Dei Conti].[AvereProgressivo], 0))";
     std::string sezioni = c.aperturaLogica ? "<> 'E'" : "IS NOT NULL";
-    t.sintetica.Riempi("SELECT '99999', CASE WHEN " + valore + " > 0 THEN 'D' ELSE 'A' END, " + codice +
-                           ", '', '', ABS(" + valore + "), ? FROM [Saldi Piano Dei Conti] WHERE " + valore +
+    // A client's or supplier's progressives stand on its control sub-account as a partner row of
+    // their own, so that the balance sheet splits them by side as it splits the journal's rows;
+    // the sub-account keeps what is left (its rows without a partner).
+    auto valoreCliFor = [](const std::string& tabella) {
+      return "(COALESCE(" + tabella + ".[SaldoInizProgress], 0) + COALESCE(" + tabella +
+             ".[SaldoDareProgress], 0) - COALESCE(" + tabella + ".[SaldoAvereProgress], 0))";
+    };
+    std::string resto = valore;
+    for (const std::string tab : {"[Anagrafica Clienti]", "[Anagrafica Fornitori]"}) {
+      resto += " - COALESCE((SELECT SUM(" + valoreCliFor("[p]") + ") FROM " + tab +
+               " [p] WHERE [p].[SottocontoApparten] = " + codice + "), 0)";
+      const std::string conto = tab + ".[SottocontoApparten]";
+      t.sintetica.Riempi("SELECT '99999', CASE WHEN " + valoreCliFor(tab) + " > 0 THEN 'D' ELSE 'A' END, " + conto +
+                             ", '" + (tab[12] == 'C' ? "C" : "F") + "', " + tab + ".[Codice Cliente], ABS(" +
+                             valoreCliFor(tab) + "), ? FROM " + tab + " WHERE " + valoreCliFor(tab) +
+                             " <> 0 AND length(COALESCE(" + conto + ", '')) = 7 AND " + SezioneDi(conto) + " " + sezioni,
+                         {Valore(c.dal)});
+    }
+    resto = "(" + resto + ")";
+    t.sintetica.Riempi("SELECT '99999', CASE WHEN " + resto + " > 0 THEN 'D' ELSE 'A' END, " + codice +
+                           ", '', '', ABS(" + resto + "), ? FROM [Saldi Piano Dei Conti] WHERE " + resto +
                            " <> 0 AND length(" + codice + ") = 7 AND " + SezioneDi(codice) + " " + sezioni,
                        {Valore(c.dal)});
   }
