@@ -44,4 +44,5 @@ for f in ./usr/include/vorn/ledger/clsPrimaNota.h ./usr/lib/libvorn.a ./usr/bin/
   grep -q " $f\$" "$tmp/contenuto.txt" || fallito "manca nel pacchetto: $f" "$tmp/contenuto.txt"
 done
 dpkg-deb --field "$deb" Depends | grep -q "libpq" || fallito "il pacchetto non dichiara libpq"
+dpkg-deb --field "$deb" Depends | grep -q "libcrypt-dev" || fallito "il pacchetto non dichiara libcrypt"
 echo "esempio: installato, compilato (CMake e pkg-config), eseguito; pacchetto $(basename "$deb") completo"
