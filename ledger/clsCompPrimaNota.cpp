@@ -128,17 +128,18 @@ bool clsCompPrimaNota::CompattamentoPrimaNota(const ArgomentiCompattamento& a, E
     clsProgAzienda prog;
     prog.cn = cn;
 
+    // A month already unloaded is told as such, though the journal has nothing left before it.
+    if (auto ultimo = prog.GetDataUltimoScaricoPrimaNota().ComeData(); ultimo && *ultimo >= al) {
+      rifiuto = "La data indicata è inferiore o uguale alla data di ultimo compattamento della prima nota, "
+                "impossibile proseguire.";
+      return;
+    }
     auto minima = pn.GetDataMinimaRegistrazionePrimaNota().ComeData();
     if (!minima || *minima > al) {
       rifiuto = "Non esistono registrazioni di Prima Nota inferiori alla data indicata.";
       return;
     }
     e.dal = *minima;
-    if (auto ultimo = prog.GetDataUltimoScaricoPrimaNota().ComeData(); ultimo && *ultimo >= al) {
-      rifiuto = "La data indicata è inferiore o uguale alla data di ultimo compattamento della prima nota, "
-                "impossibile proseguire.";
-      return;
-    }
     if (!a.abool_ForzaCompattamento) {
       if (!StampatoSuLibroGiornale(Valore(e.dal), Valore(al))) {
         rifiuto = "Sono presenti movimenti non stampati su libro giornale. Impossibile continuare.";

@@ -261,7 +261,7 @@ bool clsStampaPrimaNota::StampaPrimaNotaTesto(const ArgomentiStampaPrimaNota& a)
       s += " ";
       Accoda(s, r.CodiceIVA, 3);
       s += " ";
-      Accoda(s, r.NumRegistroIVA, 3);
+      Accoda(s, r.CodiceIVA.empty() ? std::string() : r.NumRegistroIVA, 3);
       const double perc = r.PercIndetraibile.IsNull() ? 0 : NullToZeroDbl(r.PercIndetraibile);
       Accoda(s, perc != 0 ? Format(Valore(perc), "##0.00") : "", 7, true);
       if (!r.Dare.Zero()) {
@@ -276,7 +276,7 @@ bool clsStampaPrimaNota::StampaPrimaNotaTesto(const ArgomentiStampaPrimaNota& a)
       s += "  ";
       Accoda(s, r.CodClienteFornitore, 6);
       s += "  ";
-      Accoda(s, r.DescrizioneConto, 20);
+      Accoda(s, r.DescrizioneConto, 19);
       while (!s.empty() && s.back() == ' ') s.pop_back();
       Scrivi(out, s, corpo);
     }
