@@ -16,3 +16,6 @@ int BenchBilancio(int argc, char** argv);
 
 // The journal book of a year over a large journal, against a plain ordered read of its rows.
 int BenchLibroGiornale(int argc, char** argv);
+
+// The import of a journal's exchange file, against posting the same rows through SalvaRecord.
+int BenchImportaPrimaNota(int argc, char** argv);

@@ -275,6 +275,7 @@ int main(int argc, char** argv) {
   if (argc > 1 && std::strcmp(argv[1], "elabora-fatture") == 0) return BenchElaboraFatture(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "bilancio") == 0) return BenchBilancio(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "libro-giornale") == 0) return BenchLibroGiornale(argc - 1, argv + 1);
+  if (argc > 1 && std::strcmp(argv[1], "importa-prima-nota") == 0) return BenchImportaPrimaNota(argc - 1, argv + 1);
 #endif
   int righe = 10000;
   long ricostruzione = 0;

@@ -2,7 +2,8 @@
 # The benchmarks: builds, starts a throwaway PostgreSQL, runs vorn_bench with the given
 # arguments (default: posting at 10,000 and 100,000 entries, the rebuild of a million rows,
 # the ledger cards, the VAT registers of a year over a million rows, the posting of 10,000
-# invoices, the balance sheet and the trial balance over a million rows), stops the server.
+# invoices, the balance sheet and the trial balance over a million rows, the import of a million
+# journal rows from the exchange file against SalvaRecord), stops the server.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -22,3 +23,4 @@ if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" libro-giornale --motore entrambi
 "$B" elabora-fatture --documenti 10000 --motore entrambi
 "$B" bilancio --motore entrambi
+"$B" importa-prima-nota --righe 1000000 --motore sqlite
