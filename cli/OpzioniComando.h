@@ -1,5 +1,6 @@
 // Dates and amounts of a command's options, as the user writes them.
 #pragma once
+#include <optional>
 #include <string>
 
 #include "cli/Comandi.h"
@@ -21,10 +22,10 @@ inline std::optional<Data> DataOpzioneFacoltativa(Argomenti& a, const std::strin
   return d;
 }
 
-// An amount: "1234,56", "1.234,56" or "1234.56"; without the option, 0.
-inline Importo ImportoOpzioneFacoltativo(Argomenti& a, const std::string& nome) {
+// An amount: "1234,56", "1.234,56" or "1234.56"; without the option, none.
+inline std::optional<Importo> ImportoOpzione(Argomenti& a, const std::string& nome) {
   auto v = a.Opzione(nome);
-  if (!v) return Importo();
+  if (!v) return std::nullopt;
   std::string t = Trim(*v), punto;
   const bool virgola = t.find(',') != std::string::npos;
   for (char c : t) {
@@ -34,6 +35,10 @@ inline Importo ImportoOpzioneFacoltativo(Argomenti& a, const std::string& nome) 
   auto i = Importo::DaTestoPunto(punto);
   if (!i) throw ErroreUso(nome + " vuole un importo (1234,56): " + *v);
   return *i;
+}
+// The same, 0 without the option.
+inline Importo ImportoOpzioneFacoltativo(Argomenti& a, const std::string& nome) {
+  return ImportoOpzione(a, nome).value_or(Importo());
 }
 
 }  // namespace vorn::cli

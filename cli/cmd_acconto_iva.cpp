@@ -51,15 +51,8 @@ const char* const kUso =
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
   const int anno = OpzioneIntera(a, "--anno", 1900, 9999);
-  // Each option read once: an option read is taken off the line.
-  auto importo = [&](const std::string& nome) -> std::optional<Importo> {
-    auto v = a.Opzione(nome);
-    if (!v) return std::nullopt;
-    Argomenti una({nome, *v});
-    return ImportoOpzioneFacoltativo(una, nome);
-  };
-  const std::optional<Importo> presunto = importo("--presunto");
-  const std::optional<Importo> percentuale = importo("--percentuale");
+  const std::optional<Importo> presunto = ImportoOpzione(a, "--presunto");
+  const std::optional<Importo> percentuale = ImportoOpzione(a, "--percentuale");
   const bool bollato = a.Flag("--bollato");
   const bool numera = a.Flag("--numera-pagine");
   const bool soloVersamento = a.Flag("--solo-versamento");

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "frame/Comuni.h"
 #include "receivables/clsScadenze.h"
 
@@ -12,22 +13,9 @@ namespace vorn::cli {
 
 namespace {
 
-Importo ImportoOpzione(Argomenti& a, const std::string& nome, bool obbligatorio) {
-  auto v = a.Opzione(nome);
-  if (!v) {
-    if (obbligatorio) throw ErroreUso("manca " + nome);
-    return Importo();
-  }
-  // The amount as the user writes it: "1234,56", "1.234,56" or "1234.56".
-  std::string t = Trim(*v);
-  std::string punto;
-  bool virgola = t.find(',') != std::string::npos;
-  for (char c : t) {
-    if (virgola && c == '.') continue;
-    punto += c == ',' ? '.' : c;
-  }
-  auto i = Importo::DaTestoPunto(punto);
-  if (!i) throw ErroreUso(nome + " vuole un importo (1234,56): " + *v);
+Importo ImportoRichiesto(Argomenti& a, const std::string& nome) {
+  auto i = ImportoOpzione(a, nome);
+  if (!i) throw ErroreUso("manca " + nome);
   return *i;
 }
 
@@ -40,9 +28,9 @@ int Scadenze(Contesto& ctx) {
   if (!data) throw ErroreUso("--data vuole una data GG/MM/AAAA: " + *testoData);
   DocumentoScadenze d;
   d.a_datDataDocumento = *data;
-  d.a_curImportoDocumento = ImportoOpzione(ctx.args, "--importo", true);
-  d.a_curIvaDocumento = ImportoOpzione(ctx.args, "--iva", false);
-  d.a_curSpeseDocumento = ImportoOpzione(ctx.args, "--spese", false);
+  d.a_curImportoDocumento = ImportoRichiesto(ctx.args, "--importo");
+  d.a_curIvaDocumento = ImportoOpzioneFacoltativo(ctx.args, "--iva");
+  d.a_curSpeseDocumento = ImportoOpzioneFacoltativo(ctx.args, "--spese");
   if (auto c = ctx.args.Opzione("--cliente")) d.a_varCodiceCliente = Trim(*c), d.a_varTipoCliFor = "C";
   if (auto f = ctx.args.Opzione("--fornitore")) {
     if (!d.a_varCodiceCliente.empty()) throw ErroreUso("--cliente e --fornitore non vanno insieme");
