@@ -20,7 +20,8 @@ int EseguiAggiorna(Contesto& ctx) {
   ctx.out << "Colonne rinominate in minuscolo: " << e.rinominate.size() << "\n"
           << "Aggiunte alla struttura:         " << e.aggiunte.size() << "\n"
           << "Campi aggiornati:                " << e.copiati << "\n"
-          << "Campi non riusciti:              " << e.nonRiusciti << "\n";
+          << "Campi non riusciti:              " << e.nonRiusciti << "\n"
+          << "Password cifrate:                " << e.passwordCifrate << "\n";
   if (!e.riuscito) throw ErroreComando("aggiornamento annullato, il database è rimasto com'era: " + e.errore);
   ctx.out << "Database aggiornato e segnato come nuovo.\n";
   return 0;
@@ -34,7 +35,8 @@ const RegistraComando registra({
     "Porta un database della generazione precedente (colonne dai nomi brevi) alla struttura\n"
     "attuale, in una sola transazione: aggiunge le tabelle e le colonne che mancano, copia ogni\n"
     "colonna dal nome vecchio al nome nuovo, sostituisce i valori nulli di Prima Nota e del piano\n"
-    "dei conti e segna il database come nuovo. Se qualcosa non riesce non cambia nulla.\n"
+    "dei conti, sostituisce le password degli utenti conservate in chiaro con la loro impronta e\n"
+    "segna il database come nuovo. Se qualcosa non riesce non cambia nulla.\n"
     "Un database già segnato come nuovo non viene toccato.\n"
     "Stampa il percorso del rapporto AggiornamentoArchivi.txt (nella cartella Temp) e un riepilogo.\n\n" +
         std::string(kUsoAzienda),

@@ -12,6 +12,7 @@
 #include "frame/Host.h"
 #include "frame/Schema.h"
 #include "frame/VornServer.h"
+#include "frame/clsUtenti.h"
 
 namespace vorn {
 
@@ -329,6 +330,19 @@ std::vector<std::string> RinominaMaiuscole(Connessione& cn) {
   return fatte;
 }
 
+// The passwords that the earlier generation kept in clear, replaced by their salted hash.
+int CifraPasswordInChiaro(Connessione& cn) {
+  std::vector<std::pair<std::string, std::string>> inChiaro;
+  Recordset rs = cn.Execute("SELECT [username], [password] FROM [Tabella Utenti] WHERE [password] IS NOT NULL");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    std::string p = rs.Fields(1).Value().Testo();
+    if (!p.empty() && !IsHashPassword(p)) inChiaro.emplace_back(rs.Fields(0).Value().Testo(), p);
+  }
+  for (const auto& [utente, p] : inChiaro)
+    cn.Esegui("UPDATE [Tabella Utenti] SET [password] = ? WHERE [username] = ?", {HashPassword(p), utente});
+  return static_cast<int>(inChiaro.size());
+}
+
 }  // namespace
 
 Connessione& clsDB::Cn() {
@@ -445,7 +459,9 @@ EsitoAggiornamentoArchivi clsDB::AggiornaArchivi(IForm* form) {
   } chiudi{log_};
   try {
     Atomico a(*cn);
-    // Another run may have finished while this one waited for the database.
+    // Two upgrades of one database run one after the other (on SQLite the transaction holds the
+    // file already), and the second finds the mark of the first.
+    if (cn->IsPostgres()) cn->Esegui("LOCK TABLE [Prima Nota] IN SHARE ROW EXCLUSIVE MODE");
     if (IsNuovoDBVorn()) {
       e.giaNuovo = true;
       e.report.clear();
@@ -472,6 +488,9 @@ EsitoAggiornamentoArchivi clsDB::AggiornaArchivi(IForm* form) {
     if (!RistrutturaPrimaNota())
       throw ErroreDb(0, "sostituzione dei valori nulli di Prima Nota e Piano Dei Conti non riuscita");
     out << "Sostituzione dei valori nulli di Prima Nota e Piano Dei Conti riuscita." << "\n";
+    e.passwordCifrate = CifraPasswordInChiaro(*cn);
+    if (e.passwordCifrate > 0)
+      out << "Password in chiaro sostituite dalla loro impronta: " << e.passwordCifrate << "." << "\n";
     SetNuovoDBVorn();
     a.Conferma();
     e.riuscito = true;

@@ -32,6 +32,7 @@ struct EsitoAggiornamentoArchivi {
   std::vector<std::string> rinominate;  // PostgreSQL columns brought to the spelling the statements use
   int copiati = 0;         // columns copied to their new name
   int nonRiusciti = 0;     // columns whose old name the database does not have
+  int passwordCifrate = 0; // users' passwords found in clear and replaced by their hash
   std::string errore;      // why the upgrade was undone (riuscito false)
 };
 
@@ -74,7 +75,8 @@ class clsDB {
   bool RistrutturaPrimaNota();
   // The whole upgrade, all or nothing: on PostgreSQL the columns stored with capitals are
   // brought to the spelling the statements use; the structure is completed from the catalogue;
-  // every column is copied; the nulls are replaced; the database is marked new. Any failure
+  // every column is copied; the nulls are replaced; passwords kept in clear are replaced by
+  // their hash; the database is marked new. Any failure
   // undoes all of it and the report says so. A database already marked new is left alone.
   EsitoAggiornamentoArchivi AggiornaArchivi(IForm* form = nullptr);
 

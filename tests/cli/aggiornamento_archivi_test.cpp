@@ -18,6 +18,7 @@
 #include "frame/Data.h"
 #include "frame/VornServer.h"
 #include "frame/clsDB.h"
+#include "frame/clsUtenti.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/VerificaSaldi.h"
 #include "support/Azienda.h"
@@ -179,6 +180,9 @@ TEST_P(AggiornamentoArchivi, AnInterruptedRunChangesNothingTheNextMovesEveryValu
   cn->Esegui("UPDATE [Prima Nota] SET [Stringa10indicatori] = NULL WHERE [Stringa10indicatori] = ?",
              {std::string("  0       ")});
   cn->Esegui("UPDATE [Prima Nota] SET [Valuta] = NULL");
+  // Users of the earlier generation, their passwords in clear.
+  cn->Esegui("INSERT INTO [Tabella Utenti] ([username], [password]) VALUES (?, ?)", {std::string("rossi"), std::string("pippo")});
+  cn->Esegui("INSERT INTO [Tabella Utenti] ([username]) VALUES (?)", {std::string("Supervisore")});
 
   clsDB db;
   db.cn = cn;
@@ -225,6 +229,7 @@ TEST_P(AggiornamentoArchivi, AnInterruptedRunChangesNothingTheNextMovesEveryValu
     EXPECT_EQ(out[0], Report());
     EXPECT_EQ(out[3], "Campi aggiornati:                188");
     EXPECT_EQ(out[4], "Campi non riusciti:              1");
+    EXPECT_EQ(out[5], "Password cifrate:                1");
     EXPECT_EQ(out.back(), "Database aggiornato e segnato come nuovo.");
     cn->DimenticaSchema();
     EXPECT_TRUE(db.IsNuovoDBVorn());
@@ -246,6 +251,7 @@ TEST_P(AggiornamentoArchivi, AnInterruptedRunChangesNothingTheNextMovesEveryValu
     long copie = 0;
     for (const auto& l : linee) copie += l.rfind("Aggiornamento del campo  ", 0) == 0;
     EXPECT_EQ(copie, 189);
+    EXPECT_EQ(c("Password in chiaro sostituite dalla loro impronta: 1."), 1);
     EXPECT_EQ(linee.back(), "Archivi aggiornati: il database è segnato come nuovo.");
   }
 
@@ -262,6 +268,13 @@ TEST_P(AggiornamentoArchivi, AnInterruptedRunChangesNothingTheNextMovesEveryValu
             conZero);
   EXPECT_EQ(NullToZeroLng(cn->Scalare("SELECT COUNT(*) FROM [Prima Nota] WHERE [Valuta] IS NULL OR [Valuta] <> ''")), 0);
   for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
+  clsUtenti utenti;
+  utenti.cn = cn;
+  EXPECT_NE(cn->Scalare("SELECT [password] FROM [Tabella Utenti] WHERE [username] = ?", {std::string("rossi")}).Testo(),
+            "pippo");
+  EXPECT_TRUE(utenti.Verifica_Password("rossi", "pippo"));
+  EXPECT_FALSE(utenti.Verifica_Password("rossi", "pippa"));
+  EXPECT_TRUE(utenti.Verifica_Password("Supervisore", ""));
 
   {
     SCOPED_TRACE("a second run");
