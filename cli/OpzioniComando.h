@@ -22,6 +22,12 @@ inline std::optional<Data> DataOpzioneFacoltativa(Argomenti& a, const std::strin
   return d;
 }
 
+// A date option as the library's date arguments take it: the date, or `senza` without the option.
+inline Valore ValoreDataOpzione(Argomenti& a, const std::string& nome, const Valore& senza = Valore::Null()) {
+  auto d = DataOpzioneFacoltativa(a, nome);
+  return d ? Valore(*d) : senza;
+}
+
 // An amount: "1234,56", "1.234,56" or "1234.56"; without the option, none.
 inline std::optional<Importo> ImportoOpzione(Argomenti& a, const std::string& nome) {
   auto v = a.Opzione(nome);

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
@@ -35,18 +36,11 @@ const char* const kUso =
     "Il bilancio scrive nel database le sue tabelle di lavoro, tolte alla fine: l'azienda è aperta\n"
     "in scrittura, e un solo bilancio alla volta può essere in corso sullo stesso archivio.\n";
 
-Valore DataOpzione(Argomenti& a, const std::string& nome) {
-  auto v = a.Opzione(nome);
-  if (!v) return Valore("");
-  if (!Valore(*v).IsDate()) throw ErroreUso("data non valida per " + nome + ": " + *v);
-  return Valore(*v);
-}
-
 std::string Cifra(Importo i) { return FormattaImporto(Valore(i)); }
 
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
-  Valore dal = DataOpzione(a, "--dal"), al = DataOpzione(a, "--al");
+  Valore dal = ValoreDataOpzione(a, "--dal", Valore("")), al = ValoreDataOpzione(a, "--al", Valore(""));
   bool verifica = a.Flag("--verifica");
   bool senzaPatrimoniale = a.Flag("--senza-patrimoniale");
   bool senzaRiepilogo = a.Flag("--senza-riepilogo");

@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "frame/Formato.h"
@@ -10,17 +11,6 @@
 namespace vorn::cli {
 
 namespace {
-
-Data DataOpzione(Argomenti& a, const std::string& nome, bool obbligatoria) {
-  auto v = a.Opzione(nome);
-  if (!v) {
-    if (obbligatoria) throw ErroreUso("manca " + nome + " GG/MM/AAAA");
-    return Data();
-  }
-  auto d = Data::DaTesto(Trim(*v));
-  if (!d) throw ErroreUso("data non valida per " + nome + ": " + *v + " (GG/MM/AAAA)");
-  return *d;
-}
 
 const char* const kUso =
     "Uso: vorn contabilizza-fatture FILE --dal GG/MM/AAAA --al GG/MM/AAAA\n"
@@ -41,8 +31,8 @@ const char* const kUso =
 
 int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
-  Data dal = DataOpzione(a, "--dal", true);
-  Data al = DataOpzione(a, "--al", true);
+  Data dal = *DataOpzioneFacoltativa(a, "--dal", true);
+  Data al = *DataOpzioneFacoltativa(a, "--al", true);
   auto dataContab = a.Opzione("--data-contabilizzazione");
   Data contab;
   if (dataContab) {

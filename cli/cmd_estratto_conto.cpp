@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "frame/Comuni.h"
 #include "masterdata/clsValute.h"
 #include "receivables/clsEstrattoContoContabile.h"
@@ -30,14 +31,6 @@ const char* const kUsoEstratto =
     "L'estratto è costruito nella tabella di lavoro dell'azienda e poi tolto: l'azienda è aperta in\n"
     "scrittura.\n";
 
-Valore DataOpzione(Argomenti& a, const std::string& nome) {
-  auto v = a.Opzione(nome);
-  if (!v) return Valore::Null();
-  auto d = Data::DaTesto(Trim(*v));
-  if (!d) throw ErroreUso(nome + " vuole una data GG/MM/AAAA: " + *v);
-  return Valore(*d);
-}
-
 int EstrattoConto(Contesto& ctx) {
   std::string tipo, codice;
   if (auto c = ctx.args.Opzione("--cliente")) tipo = "C", codice = Trim(*c);
@@ -46,7 +39,7 @@ int EstrattoConto(Contesto& ctx) {
     tipo = "F", codice = Trim(*f);
   }
   if (tipo.empty() || codice.empty()) throw ErroreUso("manca --cliente o --fornitore");
-  const Valore dal = DataOpzione(ctx.args, "--dal"), al = DataOpzione(ctx.args, "--al");
+  const Valore dal = ValoreDataOpzione(ctx.args, "--dal"), al = ValoreDataOpzione(ctx.args, "--al");
   if (dal.ComeData() && al.ComeData() && *al.ComeData() < *dal.ComeData())
     throw ErroreUso("--al viene prima di --dal");
   AziendaCli az = LeggiAzienda(ctx.args);

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "company/clsParametriAzienda.h"
 #include "frame/Comuni.h"
 #include "frame/FileVorn.h"
@@ -13,13 +14,6 @@
 namespace vorn::cli {
 
 namespace {
-
-Valore DataOpzione(Argomenti& a, const std::string& nome) {
-  auto v = a.Opzione(nome);
-  if (!v) return Valore("");
-  if (!Valore(*v).IsDate()) throw ErroreUso("data non valida per " + nome + ": " + *v);
-  return Valore(*v);
-}
 
 // --cliente C 000123 (or --cliente C000123): the indicator and the code of the partner. The code
 // may follow as the next word, read once the company file has been taken.
@@ -47,8 +41,8 @@ void Interruttori(Argomenti& a, ArgomentiStampaMastrini& s) {
   s.avar_StampaDescrizionePN = a.Flag("--descrizione-pn");
   s.avar_StampaSaldo = a.Flag("--saldo");
   s.avar_StampaPerArchivio = a.Flag("--archivio");
-  s.avar_DaData = DataOpzione(a, "--dal");
-  s.avar_AData = DataOpzione(a, "--al");
+  s.avar_DaData = ValoreDataOpzione(a, "--dal", Valore(""));
+  s.avar_AData = ValoreDataOpzione(a, "--al", Valore(""));
 }
 
 std::string RagioneSocialeAzienda(Connessione& cn) {
