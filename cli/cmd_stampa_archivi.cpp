@@ -1,6 +1,8 @@
 // vorn stampa prima-nota: the journal entries of a selection with the check of each entry's
 // balance. vorn stampa piano-conti, clienti, fornitori: the chart and the partners with their
 // balances over a period.
+#include <functional>
+#include <memory>
 #include <ostream>
 
 #include "cli/Comandi.h"
@@ -107,22 +109,16 @@ const char* const kUsoPianoConti =
     "sommano i loro sottoconti.\n"
     "  --diversi-zero     tralascia le righe con tutti gli importi a zero\n";
 
-void ArgomentiSaldi(Argomenti& a, ArgomentiStampaSaldi& s) {
-  s.avar_DaData = Data(a, "--dal");
-  s.avar_AData = Data(a, "--al");
-}
-
-void Azienda(ArgomentiStampaSaldi& s, clsAnagraficaAzienda& anagrafica) {
-  s.AzRagSoc = Trim(anagrafica.GetRagioneSocialeAzienda());
-  s.AzParIva = Trim(anagrafica.GetPartitaIVAAzienda());
-  s.objAnagraficaAzienda = &anagrafica;
-}
-
-int EseguiPianoConti(Contesto& ctx) {
+// The two balance prints: the period, a range (`opzioneDa`, `opzioneA`) and --diversi-zero, then
+// `stampa` with the company's arguments; the file's path, or the message of an empty selection.
+using StampaSaldi = std::function<bool(const std::shared_ptr<Connessione>&, ArgomentiStampaSaldi&, const Valore& da,
+                                       const Valore& a, bool diversiZero)>;
+int EseguiSaldi(Contesto& ctx, const char* opzioneDa, const char* opzioneA, const StampaSaldi& stampa) {
   Argomenti& a = ctx.args;
   ArgomentiStampaSaldi s;
-  ArgomentiSaldi(a, s);
-  auto daGruppo = a.Opzione("--da-gruppo"), aGruppo = a.Opzione("--a-gruppo");
+  s.avar_DaData = Data(a, "--dal");
+  s.avar_AData = Data(a, "--al");
+  auto da = a.Opzione(opzioneDa), al = a.Opzione(opzioneA);
   bool diversiZero = a.Flag("--diversi-zero");
   s.avar_RighePagina = RighePagina(a, 72, kMinimoRigheSaldi);
   AziendaCli az = LeggiAzienda(a);
@@ -132,16 +128,25 @@ int EseguiPianoConti(Contesto& ctx) {
   auto db = ApriAzienda(az, Accesso::Lettura);
   clsAnagraficaAzienda anagrafica;
   anagrafica.cn = db->cn;
-  Azienda(s, anagrafica);
+  s.AzRagSoc = Trim(anagrafica.GetRagioneSocialeAzienda());
+  s.AzParIva = Trim(anagrafica.GetPartitaIVAAzienda());
+  s.objAnagraficaAzienda = &anagrafica;
   s.frm_FormAttiva = &ctx.form;
   s.nomeFile = uscita;
-  clsStampaPianoConti stampa;
-  stampa.cn = db->cn;
-  bool ok = stampa.StampaContabilePianoConti(s, Valore(daGruppo.value_or("")), Valore(aGruppo.value_or("")),
-                                             diversiZero);
+  bool ok = stampa(db->cn, s, Valore(da.value_or("")), Valore(al.value_or("")), diversiZero);
   ctx.form.Fine();
   ctx.out << (ok ? uscita : std::string("Nessun dato da stampare.")) << "\n";
   return 0;
+}
+
+int EseguiPianoConti(Contesto& ctx) {
+  return EseguiSaldi(ctx, "--da-gruppo", "--a-gruppo",
+                     [](const std::shared_ptr<Connessione>& cn, ArgomentiStampaSaldi& s, const Valore& da,
+                        const Valore& a, bool diversiZero) {
+                       clsStampaPianoConti stampa;
+                       stampa.cn = cn;
+                       return stampa.StampaContabilePianoConti(s, da, a, diversiZero);
+                     });
 }
 
 const char* const kUsoCliFor =
@@ -153,29 +158,13 @@ const char* const kUsoCliFor =
     "  --diversi-zero     tralascia le righe con tutti gli importi a zero\n";
 
 int EseguiCliFor(Contesto& ctx, const char* ind) {
-  Argomenti& a = ctx.args;
-  ArgomentiStampaSaldi s;
-  ArgomentiSaldi(a, s);
-  auto da = a.Opzione("--da-codice"), al = a.Opzione("--a-codice");
-  bool diversiZero = a.Flag("--diversi-zero");
-  s.avar_RighePagina = RighePagina(a, 72, kMinimoRigheSaldi);
-  AziendaCli az = LeggiAzienda(a);
-  std::string uscita = a.Posizionale("il file della stampa (USCITA)");
-  a.Fine();
-  UscitaStampa(az, uscita);
-  auto db = ApriAzienda(az, Accesso::Lettura);
-  clsAnagraficaAzienda anagrafica;
-  anagrafica.cn = db->cn;
-  Azienda(s, anagrafica);
-  s.frm_FormAttiva = &ctx.form;
-  s.nomeFile = uscita;
-  clsStampaClientiForn stampa;
-  stampa.cn = db->cn;
-  bool ok = stampa.StampaContabileClientiFornitori(s, Valore(ind), Valore(da.value_or("")), Valore(al.value_or("")),
-                                                   diversiZero);
-  ctx.form.Fine();
-  ctx.out << (ok ? uscita : std::string("Nessun dato da stampare.")) << "\n";
-  return 0;
+  return EseguiSaldi(ctx, "--da-codice", "--a-codice",
+                     [ind](const std::shared_ptr<Connessione>& cn, ArgomentiStampaSaldi& s, const Valore& da,
+                           const Valore& a, bool diversiZero) {
+                       clsStampaClientiForn stampa;
+                       stampa.cn = cn;
+                       return stampa.StampaContabileClientiFornitori(s, Valore(ind), da, a, diversiZero);
+                     });
 }
 
 RegistraComando regPrimaNota(Comando{"stampa prima-nota", "stampa delle registrazioni di prima nota con la quadratura",
