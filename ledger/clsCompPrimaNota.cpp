@@ -128,6 +128,10 @@ bool clsCompPrimaNota::CompattamentoPrimaNota(const ArgomentiCompattamento& a, E
     clsProgAzienda prog;
     prog.cn = cn;
 
+    // The company's counters row is claimed at once (a write of the stamp alone) and held to the
+    // end: two unloads on one database run one after the other, and the second reads the date
+    // the first one wrote.
+    prog.AggiornaNumeroUltimaRegStorico(Valore(0), a.clientID, a.hWnd);
     // A month already unloaded is told as such, though the journal has nothing left before it.
     if (auto ultimo = prog.GetDataUltimoScaricoPrimaNota().ComeData(); ultimo && *ultimo >= al) {
       rifiuto = "La data indicata è inferiore o uguale alla data di ultimo compattamento della prima nota, "
