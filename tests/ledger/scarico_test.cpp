@@ -90,6 +90,16 @@ class Scarico : public AziendaTest {
     InserisciRigaPN(*cn, r);
     r.riga = "002", r.da = "A", r.conto = "0801001", r.importo = Imp("9");
     InserisciRigaPN(*cn, r);
+    // 00008 balances only with its VAT row counted: 12,20 = 10,00 + 2,20.
+    r.numero = "00008", r.riga = "001", r.da = "D", r.conto = "1801001", r.importo = Imp("12.20"), r.causale = "FV";
+    r.registrazione = r.competenza = "26/01/2025";
+    InserisciRigaPN(*cn, r);
+    r.da = "A", r.conto = "0801001", r.importo = Imp("10");
+    InserisciRigaPN(*cn, r);
+    r.tipo = "I", r.conto = "1401001", r.importo = Imp("2.20");
+    InserisciRigaPN(*cn, r);
+    cn->Esegui("UPDATE [Prima Nota] SET [Imponibile] = 10, [CodiceIva] = '022', [NumRegistroIva] = '01', "
+               "[TipoRegistroIva] = '1' WHERE [NumeroRegistrazione] = '00008' AND [TipoRigaIvaNormale] = 'I'");
   }
 
   bool Scarica(int mese, bool storico = true, IForm* form = nullptr, EsitoCompattamento* e = nullptr) {
@@ -292,10 +302,10 @@ TEST_P(Scarico, JournalChartAndClientPrints) {
   a.avar_RighePagina = 40;
   a.nomeFile = dir->Percorso() + "/primanota.txt";
   ASSERT_TRUE(pn.StampaPrimaNotaTesto(a));
-  EXPECT_EQ(pn.Esito().registrazioni, 7);
+  EXPECT_EQ(pn.Esito().registrazioni, 8);
   EXPECT_EQ(pn.Esito().nonQuadrate, 1);
-  EXPECT_EQ(pn.Esito().dare, Imp("288"));   // 122 + 50 + 61 + 30 + 10 + 5 + 10
-  EXPECT_EQ(pn.Esito().avere, Imp("287"));  // 100 + 22 + 50 + 61 + 30 + 10 + 5 + 9
+  EXPECT_EQ(pn.Esito().dare, Imp("300.20"));   // 122 + 50 + 61 + 30 + 10 + 5 + 10 + 12,20
+  EXPECT_EQ(pn.Esito().avere, Imp("299.20"));  // 100 + 22 + 50 + 61 + 30 + 10 + 5 + 9 + 10 + 2,20
   ConfrontaGolden("ledger/golden/stampa_prima_nota.txt", LeggiFile(a.nomeFile));
 
   // Only the wrong entries; a sub-account filter keeps whole entries; the report table.
@@ -310,7 +320,7 @@ TEST_P(Scarico, JournalChartAndClientPrints) {
   a.selezione.avar_SoloErrate = false;
   a.selezione.avar_Sottoconto = Valore("1801001");
   ASSERT_TRUE(pn.MakeStampaPrimaNota(a));
-  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Elaborazione stampa prima nota]").ComeIntero(), 4);  // 00004, 00007
+  EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Elaborazione stampa prima nota]").ComeIntero(), 7);  // 00004, 00007, 00008
   a.selezione.avar_Sottoconto = Valore("");
   a.selezione.avar_DaData = Valore("01/05/2025");
   EXPECT_FALSE(pn.MakeStampaPrimaNota(a));
