@@ -461,7 +461,8 @@ EsitoAggiornamentoArchivi clsDB::AggiornaArchivi(IForm* form) {
     Atomico a(*cn);
     // Two upgrades of one database run one after the other (on SQLite the transaction holds the
     // file already), and the second finds the mark of the first.
-    if (cn->IsPostgres()) cn->Esegui("LOCK TABLE [Prima Nota] IN SHARE ROW EXCLUSIVE MODE");
+    if (cn->IsPostgres() && EsisteTabella(*cn, "Prima Nota"))
+      cn->Esegui("LOCK TABLE [Prima Nota] IN SHARE ROW EXCLUSIVE MODE");
     if (IsNuovoDBVorn()) {
       e.giaNuovo = true;
       e.report.clear();
