@@ -7,6 +7,7 @@
 #include "frame/FileVorn.h"
 #include "frame/Impaginazione.h"
 #include "ledger/MovimentiMastrino.h"
+#include "ledger/clsSaldiContabili.h"
 
 namespace vorn::stampa_saldi {
 
@@ -29,6 +30,12 @@ std::string Importi(const RigaSaldiArchivio& r) {
 }
 
 }  // namespace
+
+Valore InizioSaldi(const Valore& daData, const Valore& ultimoScarico) {
+  auto da = DataCorretta(daData), scarico = DataCorretta(ultimoScarico);
+  if (da && scarico && *da <= *scarico) return Valore("");
+  return daData;
+}
 
 std::string Intestazione(const std::string& colonne) { return Largo(colonne, 38) + kImporti; }
 

@@ -9,6 +9,7 @@
 #include "frame/Data.h"
 #include "frame/Db.h"
 #include "frame/Importo.h"
+#include "frame/Valore.h"
 
 namespace vorn {
 
@@ -35,6 +36,10 @@ struct RigaSaldiArchivio {
 
 namespace stampa_saldi {
 
+// The start a print asks the balances from: a start that the last unload reaches into is left
+// open, so that the months unloaded come in as the progressives (the journal no longer holds
+// them); any other start as it is.
+Valore InizioSaldi(const Valore& daData, const Valore& ultimoScarico);
 // "Codice Ragione sociale                Saldo iniziale ...": the first two columns' heading
 // (38 characters) and the amounts' heading.
 std::string Intestazione(const std::string& colonne);

@@ -50,7 +50,7 @@ std::vector<RigaSaldiArchivio> clsStampaClientiForn::CalcolaSaldi(const Argoment
     RigaSaldiArchivio r;
     r.codice = x.codice;
     r.descrizione = x.nome;
-    Valore dal = a.avar_DaData;
+    Valore dal = stampa_saldi::InizioSaldi(a.avar_DaData, scarico);
     Importo ip, dp, ap, iper, dper, aper;
     r.saldoAttuale = saldi->GetSaldiADataCliFor(scarico, dal, a.avar_AData, Valore(x.conto), Valore(ind),
                                                 Valore(x.codice), ip, dp, ap, iper, dper, aper);

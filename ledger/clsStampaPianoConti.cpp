@@ -41,7 +41,7 @@ std::vector<RigaSaldiArchivio> clsStampaPianoConti::CalcolaSaldi(const Argomenti
   for (auto& r : righe) {
     if (r.codice.size() != 7) continue;
     if (a.frm_FormAttiva) a.frm_FormAttiva->msgbar("Calcolo saldi sottoconto " + r.codice);
-    Valore dal = a.avar_DaData;
+    Valore dal = stampa_saldi::InizioSaldi(a.avar_DaData, scarico);
     Importo ip, dp, ap, iper, dper, aper;
     r.saldoAttuale = saldi->GetSaldiADataSottoconto(scarico, dal, a.avar_AData, Valore(r.codice), ip, dp, ap, iper,
                                                     dper, aper);

@@ -1,7 +1,8 @@
 // The chart of accounts with its balances over a period: each group, account and sub-account of a
 // range of groups with the opening, the progressives of the last unload, the period's debit and
 // credit and the present balance (a group and an account sum their sub-accounts). As the rows of
-// [Elaborazione stampa contabile piano conti] of one client, or as a paginated text file.
+// [Elaborazione stampa contabile piano conti] of one client, or as a paginated text file. A period
+// that starts inside the months of the last unload takes them as the progressives.
 #pragma once
 #include <optional>
 #include <string>

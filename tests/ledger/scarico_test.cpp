@@ -225,6 +225,27 @@ TEST_P(Scarico, EntriesOfClosedMonthsLeaveForTheProgressivesAndTheHistory) {
     EXPECT_EQ(SaldoAl(dt, "0501001", "2"), prima[std::string(dt) + "C2"]) << dt;
   }
 
+  // The chart over January to April: the unloaded quarter among the progressives, the balance
+  // at the end that of the journal before (0501001: 50 + 122 - 30 + 61 + 10).
+  {
+    ArgomentiStampaSaldi sa;
+    sa.avar_DaData = Valore("01/01/2025");
+    sa.avar_AData = Valore("30/04/2025");
+    clsStampaPianoConti piano;
+    piano.cn = cn;
+    bool trovato = false;
+    for (const auto& r : piano.CalcolaSaldi(sa, Valore("05"), Valore("05"), false))
+      if (r.codice == "0501001") {
+        trovato = true;
+        EXPECT_EQ(r.saldoIniziale, Imp("50"));
+        EXPECT_EQ(r.dareProgressivo, Imp("122"));
+        EXPECT_EQ(r.avereProgressivo, Imp("30"));
+        EXPECT_EQ(r.darePeriodo, Imp("71"));
+        EXPECT_EQ(r.saldoAttuale, Imp("213"));
+      }
+    EXPECT_TRUE(trovato);
+  }
+
   // A second run over the same months: refused, nothing changes.
   const std::string stato = Stato();
   EXPECT_FALSE(Scarica(3));
