@@ -14,6 +14,7 @@
 #include "ledger/clsStampaClientiForn.h"
 #include "ledger/clsStampaPianoConti.h"
 #include "ledger/clsStampaPrimaNota.h"
+#include "ledger/clsStoricoPrimaNota.h"
 #include "support/Azienda.h"
 #include "PrimaNotaProva.h"
 
@@ -213,6 +214,19 @@ TEST_P(Scarico, EntriesOfClosedMonthsLeaveForTheProgressivesAndTheHistory) {
                          "3 00001 1401001 A 22.0000 FV", "4 00002 0501001 D 50.0000 AP 1",
                          "5 00002 1501001 A 50.0000 AP", "6 00004 1801001 D 30.0000 INC",
                          "7 00004 0501001 A 30.0000 INC 1"}));
+  clsStoricoPrimaNota st;
+  st.cn = cn;
+  EXPECT_EQ(st.GetMaxIDProgressivoStoricoContabile(), 7);
+  RigaStorico rst;
+  ASSERT_TRUE(st.LocalizzaRecord(Valore(7), rst));
+  EXPECT_EQ(TrimTesto(rst.NumeroRegistrazione), "00004");
+  EXPECT_EQ(rst.DataRegistrazione.Testo().substr(0, 10), "15/03/2025");
+  Valore chiave(7);
+  EXPECT_FALSE(st.RecordSuccessivo(chiave));
+  EXPECT_TRUE(st.RecordPrecedente(chiave));
+  EXPECT_EQ(NullToZeroLng(chiave), 6);
+  EXPECT_TRUE(st.ExistRegistrazione(Valore("00002")));
+  EXPECT_FALSE(st.ExistRegistrazione(Valore("00003")));
   clsProgAzienda prog;
   prog.cn = cn;
   EXPECT_EQ(prog.GetNumeroUltimaRegStorico(), 7);
@@ -256,6 +270,10 @@ TEST_P(Scarico, EntriesOfClosedMonthsLeaveForTheProgressivesAndTheHistory) {
   EXPECT_EQ(e.registrazioni, 2);
   EXPECT_EQ(e.righeStorico, 0);
   EXPECT_EQ(cn->Scalare("SELECT COUNT(*) FROM [Storico Contabile]").ComeIntero(), 7);
+  // The history emptied; the last number handed out stays with the company.
+  ASSERT_TRUE(st.AzzeraStoricoPrimaNota());
+  EXPECT_EQ(st.GetMaxIDProgressivoStoricoContabile(), 0);
+  EXPECT_EQ(prog.GetNumeroUltimaRegStorico(), 7);
   s.GetProgressiviUltimoScaricoCliFor(Valore("0501001"), Valore("C"), Valore("2"), i, d, av);
   EXPECT_EQ(d, Imp("61"));
   for (auto c : conti) EXPECT_EQ(SaldoAl("30/04/2025", c), prima[std::string("30/04/2025") + c]) << c;
