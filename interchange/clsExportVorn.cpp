@@ -1,11 +1,9 @@
 #include "interchange/clsExportVorn.h"
 
-#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <map>
-#include <memory>
 #include <set>
 #include <stdexcept>
 #include <unordered_map>
@@ -608,7 +606,13 @@ struct Lettore {
   }
 };
 
-// The lines of a file, UTF-8 checked (a byte-order mark is skipped); throws RigaErrata.
+// A file that is not UTF-8 text.
+class CodificaErrata : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The lines of a file, UTF-8 checked (a byte-order mark is skipped); throws CodificaErrata.
 class FileImport {
  public:
   explicit FileImport(const std::string& percorso) : f_(percorso, std::ios::binary) {}
@@ -619,7 +623,7 @@ class FileImport {
     if (n_ == 1 && riga.compare(0, 3, "\xEF\xBB\xBF") == 0) riga.erase(0, 3);
     if (!riga.empty() && riga.back() == '\r') riga.pop_back();
     if (!Utf8Valido(riga))
-      throw RigaErrata("il file non è un testo UTF-8 (riga " + std::to_string(n_) +
+      throw CodificaErrata("il file non è un testo UTF-8 (riga " + std::to_string(n_) +
                        "): va salvato in UTF-8 prima di importarlo");
     return true;
   }
@@ -766,10 +770,10 @@ long VerificaFile(Connessione& cn, const ParametriImport& p, Riferimenti& rif) {
           break;
       }
     }
+  } catch (const CodificaErrata& e) {
+    throw RigaErrata("File " + p.file + ": " + e.what() + ".");
   } catch (const RigaErrata& e) {
-    std::string m = e.what();
-    if (m.rfind("il file non", 0) == 0) throw RigaErrata("File " + p.file + ": " + m + ".");
-    throw RigaErrata(MessaggioRiga(p.file, f.Numero(), m));
+    throw RigaErrata(MessaggioRiga(p.file, f.Numero(), e.what()));
   }
   return n;
 }
