@@ -352,7 +352,7 @@ TEST(ComandoDemo, WritesTheCompanyTheTrialBalanceAndTheReport) {
   std::fclose(err);
 }
 
-// The same seed on the server engine: a new database of its own, the same trial balance.
+// The same starting number on the server engine: a new database of its own, the same trial balance.
 TEST(ComandoDemo, OnPostgreSQLTheBooksAreThoseOfSQLite) {
   if (!PostgresDisponibile()) GTEST_SKIP() << "PostgreSQL non disponibile";
   CartellaProva dir;
