@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "frame/Comuni.h"
 #include "ledger/clsCausaliContabili.h"
 #include "masterdata/clsCodiciIva.h"
@@ -81,18 +82,12 @@ int EseguiCodiciIva(Contesto& ctx) {
 
 int EseguiStampa(Contesto& ctx) {
   int righePagina = RighePagina(ctx.args, 66, kMinimoRigheCodiciIva);
-  auto data = ctx.args.Opzione("--data");
+  const Valore dataStampa = ValoreDataOpzione(ctx.args, "--data", Valore());
   auto presso = ctx.args.Opzione("--presso");
   auto pressoPiva = ctx.args.Opzione("--presso-piva");
   AziendaCli az = LeggiAzienda(ctx.args);
   std::string uscita = ctx.args.Posizionale("il file della stampa (OUT)");
   ctx.args.Fine();
-  Valore dataStampa;
-  if (data) {
-    auto d = Data::DaTesto(*data);
-    if (!d) throw ErroreUso("--data vuole una data GG/MM/AAAA");
-    dataStampa = Valore(*d);
-  }
   UscitaStampa(az, uscita);
 
   auto db = ApriAzienda(az, Accesso::Lettura);

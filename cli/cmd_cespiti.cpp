@@ -8,6 +8,7 @@
 #include "assets/clsCespitiAmm.h"
 #include "assets/clsCespitiMovimenti.h"
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "frame/Comuni.h"
 #include "frame/Globali.h"
 #include "frame/Importo.h"
@@ -33,27 +34,17 @@ const char* const kUso =
     "  --costo IMPORTO       il costo di acquisto, per esempio 1250,50\n"
     "  --descrizione TESTO   la descrizione (predefinita: il codice)\n";
 
-double Importo2(const std::string& testo) {
-  std::string t = Trim(testo);
-  for (auto& c : t)
-    if (c == ',') c = '.';
-  auto i = Importo::DaTestoPunto(t);
-  if (!i || *i <= Importo()) throw ErroreUso("--costo non valido: " + testo);
-  return i->Arrotonda(G().DecimaliImporti).ToDouble();
-}
-
 std::string Cifra2(double v) { return FormattaImporto(Valore(Importo::DaDouble(v).Arrotonda(G().DecimaliImporti))); }
 
 int Aggiungi(Contesto& ctx, AziendaCli& az, const std::string& codice) {
   Argomenti& a = ctx.args;
   auto categoria = a.Opzione("--categoria");
-  auto data = a.Opzione("--data");
-  auto costo = a.Opzione("--costo");
+  const auto d = DataOpzioneFacoltativa(a, "--data");
+  const auto costo = ImportoOpzione(a, "--costo");
   auto descrizione = a.Opzione("--descrizione");
-  if (!categoria || !data || !costo) throw ErroreUso("--aggiungi vuole --categoria, --data e --costo");
-  auto d = Data::DaTesto(Trim(*data));
-  if (!d) throw ErroreUso("--data non valida: " + *data);
-  const double importo = Importo2(*costo);
+  if (!categoria || !d || !costo) throw ErroreUso("--aggiungi vuole --categoria, --data e --costo");
+  if (*costo <= Importo()) throw ErroreUso("--costo vuole un importo sopra zero");
+  const double importo = costo->Arrotonda(G().DecimaliImporti).ToDouble();
   a.Fine();
   if (Trim(codice).empty() || LunghezzaTesto(Trim(codice)) > 20) throw ErroreUso("codice del cespite non valido");
 

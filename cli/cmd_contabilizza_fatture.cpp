@@ -33,13 +33,7 @@ int Esegui(Contesto& ctx) {
   Argomenti& a = ctx.args;
   Data dal = *DataOpzioneFacoltativa(a, "--dal", true);
   Data al = *DataOpzioneFacoltativa(a, "--al", true);
-  auto dataContab = a.Opzione("--data-contabilizzazione");
-  Data contab;
-  if (dataContab) {
-    auto d = Data::DaTesto(Trim(*dataContab));
-    if (!d) throw ErroreUso("data non valida per --data-contabilizzazione: " + *dataContab + " (GG/MM/AAAA)");
-    contab = *d;
-  }
+  const std::optional<Data> dataContab = DataOpzioneFacoltativa(a, "--data-contabilizzazione");
   if (al < dal) throw ErroreUso("--al viene prima di --dal");
   AziendaCli az = LeggiAzienda(a);
   a.Fine();
@@ -55,7 +49,7 @@ int Esegui(Contesto& ctx) {
   arg.avar_DaData = Valore(dal);
   arg.avar_AData = Valore(al);
   arg.bool_ContabilizzaDataFattura = !dataContab;
-  arg.avar_DataContabilizzazione = dataContab ? Valore(contab) : Valore(al);
+  arg.avar_DataContabilizzazione = dataContab ? Valore(*dataContab) : Valore(al);
   arg.clientID = Valore("vorn");
   clsElaboraFatture ef;
   ef.cn = db->cn;

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "frame/Comuni.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsPrimaNota.h"
@@ -14,12 +15,6 @@
 namespace vorn::cli {
 
 namespace {
-
-Data LeggiDataOpzione(const std::string& opzione, const std::string& testo) {
-  auto d = Data::DaTesto(testo);
-  if (!d) throw ErroreUso("data non valida per " + opzione + ": " + testo + " (GG/MM/AAAA)");
-  return *d;
-}
 
 std::string Testo(const Valore& v) { return v.IsNull() ? std::string() : Trim(v.Testo()); }
 
@@ -115,8 +110,8 @@ class FormContatore : public IForm {
 int PrimaNota(Contesto& ctx) {
   AziendaCli az = LeggiAzienda(ctx.args);
   auto numero = ctx.args.Opzione("--numero");
-  auto dal = ctx.args.Opzione("--dal");
-  auto al = ctx.args.Opzione("--al");
+  const auto dal = DataOpzioneFacoltativa(ctx.args, "--dal");
+  const auto al = DataOpzioneFacoltativa(ctx.args, "--al");
   ctx.args.Fine();
   if (numero && (dal || al)) throw ErroreUso("--numero non va con --dal e --al");
   FiltroPrimaNota f;
@@ -126,8 +121,8 @@ int PrimaNota(Contesto& ctx) {
       throw ErroreUso("numero di registrazione non valido: " + *numero);
     f.numero = n;
   }
-  if (dal) f.dal = LeggiDataOpzione("--dal", *dal);
-  if (al) f.al = LeggiDataOpzione("--al", *al);
+  f.dal = dal;
+  f.al = al;
   auto db = ApriAzienda(az, Accesso::Lettura);
   ElencaPrimaNota(*db->cn, f, ctx.out);
   return 0;

@@ -22,10 +22,7 @@ Importo ImportoRichiesto(Argomenti& a, const std::string& nome) {
 int Scadenze(Contesto& ctx) {
   auto pagamento = ctx.args.Opzione("--pagamento");
   if (!pagamento || Trim(*pagamento).empty()) throw ErroreUso("manca --pagamento");
-  auto testoData = ctx.args.Opzione("--data");
-  if (!testoData) throw ErroreUso("manca --data");
-  auto data = Data::DaTesto(*testoData);
-  if (!data) throw ErroreUso("--data vuole una data GG/MM/AAAA: " + *testoData);
+  const auto data = DataOpzioneFacoltativa(ctx.args, "--data", true);
   DocumentoScadenze d;
   d.a_datDataDocumento = *data;
   d.a_curImportoDocumento = ImportoRichiesto(ctx.args, "--importo");
@@ -36,11 +33,7 @@ int Scadenze(Contesto& ctx) {
     if (!d.a_varCodiceCliente.empty()) throw ErroreUso("--cliente e --fornitore non vanno insieme");
     d.a_varCodiceCliente = Trim(*f), d.a_varTipoCliFor = "F";
   }
-  if (auto dd = ctx.args.Opzione("--data-diversa")) {
-    auto x = Data::DaTesto(*dd);
-    if (!x) throw ErroreUso("--data-diversa vuole una data GG/MM/AAAA: " + *dd);
-    d.a_datDataDiversa = *x;
-  }
+  if (auto x = DataOpzioneFacoltativa(ctx.args, "--data-diversa")) d.a_datDataDiversa = *x;
   d.a_varCodicePagamento = Trim(*pagamento);
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();

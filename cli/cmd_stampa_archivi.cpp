@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "cli/Comandi.h"
+#include "cli/OpzioniComando.h"
 #include "company/clsAnagraficaAzienda.h"
 #include "frame/Comuni.h"
 #include "ledger/clsStampaClientiForn.h"
@@ -15,13 +16,6 @@
 namespace vorn::cli {
 
 namespace {
-
-Valore Data(Argomenti& a, const std::string& nome) {
-  auto v = a.Opzione(nome);
-  if (!v) return Valore("");
-  if (!Valore(*v).IsDate()) throw ErroreUso("data non valida per " + nome + ": " + *v);
-  return Valore(*v);
-}
 
 // Head, heading and foot of the journal print, and one row.
 constexpr int kMinimoRighePrimaNota = 9 + 2 + 1;
@@ -51,8 +45,8 @@ int EseguiPrimaNota(Contesto& ctx) {
   Argomenti& a = ctx.args;
   ArgomentiStampaPrimaNota s;
   SelezionePrimaNota& sel = s.selezione;
-  sel.avar_DaData = Data(a, "--dal");
-  sel.avar_AData = Data(a, "--al");
+  sel.avar_DaData = ValoreDataOpzione(a, "--dal", Valore(""));
+  sel.avar_AData = ValoreDataOpzione(a, "--al", Valore(""));
   sel.avar_DaRegistrazione = Valore(Numero5(a.Opzione("--da-reg"), "--da-reg"));
   sel.avar_ARegistrazione = Valore(Numero5(a.Opzione("--a-reg"), "--a-reg"));
   sel.avar_Causale = Valore(a.Opzione("--causale").value_or(""));
@@ -116,8 +110,8 @@ using StampaSaldi = std::function<bool(const std::shared_ptr<Connessione>&, Argo
 int EseguiSaldi(Contesto& ctx, const char* opzioneDa, const char* opzioneA, const StampaSaldi& stampa) {
   Argomenti& a = ctx.args;
   ArgomentiStampaSaldi s;
-  s.avar_DaData = Data(a, "--dal");
-  s.avar_AData = Data(a, "--al");
+  s.avar_DaData = ValoreDataOpzione(a, "--dal", Valore(""));
+  s.avar_AData = ValoreDataOpzione(a, "--al", Valore(""));
   auto da = a.Opzione(opzioneDa), al = a.Opzione(opzioneA);
   bool diversiZero = a.Flag("--diversi-zero");
   s.avar_RighePagina = RighePagina(a, 72, kMinimoRigheSaldi);
