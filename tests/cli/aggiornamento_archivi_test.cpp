@@ -34,12 +34,7 @@ class AggiornamentoArchivi : public AziendaTest {
     AziendaTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
     CaricaModello(*cn, "standard");
-    cli::OpzioniDemo o;
-    o.seme = 3;
-    o.clienti = 5;
-    o.fornitori = 4;
-    o.registrazioni = 120;
-    o.lotto = 60;
+    const cli::OpzioniDemo o{.seme = 3, .clienti = 5, .fornitori = 4, .registrazioni = 120, .lotto = 60};
     cli::RiempiAziendaDemo(*cn, o);
   }
 

@@ -106,12 +106,7 @@ void AnnoDellaDemo(const std::shared_ptr<Connessione>& cn, const std::string& mo
   c.ConnettiDatabaseOrigine(modello);
   c.ConnettiDatabaseDestinazione(cn);
   c.CaricaModelloCompleto(nullptr);
-  cli::OpzioniDemo o;
-  o.seme = 7;
-  o.clienti = 5;
-  o.fornitori = 4;
-  o.registrazioni = 200;
-  o.lotto = 100;
+  const cli::OpzioniDemo o{.seme = 7, .clienti = 5, .fornitori = 4, .registrazioni = 200, .lotto = 100};
   ASSERT_NO_THROW(cli::RiempiAziendaDemo(*cn, o));
   EXPECT_TRUE(VerificaSaldi(*cn).empty());
 }

@@ -45,12 +45,7 @@ void PassiPrimaDelloScarico(cli::ContestoDemo& ctx) {
 }  // namespace
 
 TEST_P(PassiDemo, StepsRunInOrderAndTheFirstQuarterIsPrintedDefinitively) {
-  cli::OpzioniDemo o;
-  o.seme = 5;
-  o.clienti = 6;
-  o.fornitori = 4;
-  o.registrazioni = 360;
-  o.lotto = 90;
+  const cli::OpzioniDemo o{.seme = 5, .clienti = 6, .fornitori = 4, .registrazioni = 360, .lotto = 90};
   auto esito = cli::RiempiAziendaDemo(*cn, o);
 
   // The four steps of today, in this order, whatever else is registered around them.
@@ -184,13 +179,7 @@ namespace {
 // This company has a credit in January and in February and a debt under the minimum payment
 // in March (23,02, carried): the settlements carry both to the month after.
 cli::OpzioniDemo ConCreditoEMinimo() {
-  cli::OpzioniDemo o;
-  o.seme = 276;
-  o.clienti = 4;
-  o.fornitori = 6;
-  o.registrazioni = 150;
-  o.lotto = 50;
-  return o;
+  return cli::OpzioniDemo{.seme = 276, .clienti = 4, .fornitori = 6, .registrazioni = 150, .lotto = 50};
 }
 
 // The lines of `testo` after the one that starts with `inizio`, up to an empty line or the end.

@@ -26,13 +26,8 @@ using cli::RigaBilancioVerifica;
 namespace {
 
 OpzioniDemo Piccola(uint64_t seme = 7) {
-  OpzioniDemo o;
-  o.seme = seme;
-  o.clienti = 12;
-  o.fornitori = 8;
-  o.registrazioni = 400;
-  o.lotto = 37;  // several batches, the last one short
-  return o;
+  // Several batches, the last one short.
+  return OpzioniDemo{.seme = seme, .clienti = 12, .fornitori = 8, .registrazioni = 400, .lotto = 37};
 }
 
 struct Movimenti {

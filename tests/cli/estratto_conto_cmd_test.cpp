@@ -171,12 +171,7 @@ TEST_P(EstrattoConto, TheCommandPrintsTheStatementAsATable) {
 }
 
 TEST_P(EstrattoConto, TheDemoStatementsEndOnTheLedgerBalances) {
-  cli::OpzioniDemo o;
-  o.seme = 11;
-  o.clienti = 5;
-  o.fornitori = 3;
-  o.registrazioni = 160;
-  o.lotto = 60;
+  const cli::OpzioniDemo o{.seme = 11, .clienti = 5, .fornitori = 3, .registrazioni = 160, .lotto = 60};
   cli::RiempiAziendaDemo(*cn, o);
   long conScadenze = 0;
   for (const char* codice : {"1", "2", "3", "4", "5"}) {

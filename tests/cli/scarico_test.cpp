@@ -29,12 +29,7 @@ class ScaricoDemo : public AziendaTest {
     AziendaTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
     CaricaModello(*cn, "standard");
-    cli::OpzioniDemo o;
-    o.seme = 11;
-    o.clienti = 10;
-    o.fornitori = 6;
-    o.registrazioni = 300;
-    o.lotto = 100;
+    const cli::OpzioniDemo o{.seme = 11, .clienti = 10, .fornitori = 6, .registrazioni = 300, .lotto = 100};
     cli::RiempiAziendaDemo(*cn, o);
   }
 
