@@ -26,17 +26,7 @@ class ComandoScarico : public AziendaStandardTest {
   }
 
   void Entrata(const char* numero, const char* data, const char* dare, const char* avere, const char* importo) {
-    bool cancel = false;
-    int n = 0;
-    for (auto [lato, conto] : {std::pair{"D", dare}, std::pair{"A", avere}}) {
-      RecordValori v{{"DataRegistrazione", Valore(data)},   {"NumeroRegistrazione", Valore(numero)},
-                     {"DataCompetenza", Valore(data)},      {"CodiceCausale", Valore("GIR")},
-                     {"TipoRigaIvaNormale", Valore("")},    {"NumRigaAVideo", Valore(Format(Valore(++n), "000"))},
-                     {"DareAvere", Valore(lato)},           {"ContoPrimaNota", Valore(conto)},
-                     {"Stringa10indicatori", Valore("")},   {"Cambio", Valore(1.0)},
-                     {"ImportoMovimento", Valore(*Importo::DaTestoPunto(importo))}};
-      ASSERT_TRUE(pn.SalvaRecord(v, Valore("prova"), 1, cancel));
-    }
+    Giroconto(pn, numero, data, dare, avere, importo);
   }
 
   EsitoComando Vorn(const std::string& comando, const std::vector<std::string>& resto) {
