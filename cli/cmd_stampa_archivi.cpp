@@ -17,6 +17,17 @@ namespace vorn::cli {
 
 namespace {
 
+// The company (its name and VAT number for the foot), the run's form and the file, on a print's
+// arguments.
+template <class Argomenti>
+void Intestazione(Argomenti& s, clsAnagraficaAzienda& anagrafica, Contesto& ctx, const std::string& uscita) {
+  s.AzRagSoc = Trim(anagrafica.GetRagioneSocialeAzienda());
+  s.AzParIva = Trim(anagrafica.GetPartitaIVAAzienda());
+  s.objAnagraficaAzienda = &anagrafica;
+  s.frm_FormAttiva = &ctx.form;
+  s.nomeFile = uscita;
+}
+
 // Head, heading and foot of the journal print, and one row.
 constexpr int kMinimoRighePrimaNota = 9 + 2 + 1;
 constexpr int kMinimoRigheSaldi = 9 + 2 + 1;
@@ -74,11 +85,7 @@ int EseguiPrimaNota(Contesto& ctx) {
   auto db = ApriAzienda(az, Accesso::Lettura);
   clsAnagraficaAzienda anagrafica;
   anagrafica.cn = db->cn;
-  s.AzRagSoc = Trim(anagrafica.GetRagioneSocialeAzienda());
-  s.AzParIva = Trim(anagrafica.GetPartitaIVAAzienda());
-  s.objAnagraficaAzienda = &anagrafica;
-  s.frm_FormAttiva = &ctx.form;
-  s.nomeFile = uscita;
+  Intestazione(s, anagrafica, ctx, uscita);
   clsStampaPrimaNota stampa;
   stampa.cn = db->cn;
   bool ok = stampa.StampaPrimaNotaTesto(s);
@@ -122,11 +129,7 @@ int EseguiSaldi(Contesto& ctx, const char* opzioneDa, const char* opzioneA, cons
   auto db = ApriAzienda(az, Accesso::Lettura);
   clsAnagraficaAzienda anagrafica;
   anagrafica.cn = db->cn;
-  s.AzRagSoc = Trim(anagrafica.GetRagioneSocialeAzienda());
-  s.AzParIva = Trim(anagrafica.GetPartitaIVAAzienda());
-  s.objAnagraficaAzienda = &anagrafica;
-  s.frm_FormAttiva = &ctx.form;
-  s.nomeFile = uscita;
+  Intestazione(s, anagrafica, ctx, uscita);
   bool ok = stampa(db->cn, s, Valore(da.value_or("")), Valore(al.value_or("")), diversiZero);
   ctx.form.Fine();
   ctx.out << (ok ? uscita : std::string("Nessun dato da stampare.")) << "\n";

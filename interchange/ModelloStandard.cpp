@@ -256,6 +256,11 @@ DatiModello LeggiFileModello(const std::string& file, const std::string& tabella
   return d;
 }
 
+std::string TestoTabellaModelloVuota(const std::string& tabella) {
+  if (UgualeNoCase(tabella, "Piano Dei Conti")) return "Piano dei conti dal DB origine vuoto";
+  return "Tabella '" + tabella + "' dal DB origine vuota.";
+}
+
 DatiModello LeggiTabellaModello(const std::string& modello, const std::string& tabella) {
   for (const auto& t : TabelleModello(modello))
     if (UgualeNoCase(t.tabella, tabella)) return LeggiFileModello(t.file, t.tabella);
@@ -284,9 +289,9 @@ std::optional<size_t> Scrivi(Connessione& cn, const DatiModello& d, const std::s
   const TabellaCatalogo* t = TabellaCatalogoDi(destinazione);
   if (!t) throw ErroreModello("Tabella sconosciuta: " + destinazione);
   if (d.righe.empty()) {
-    std::string testo = UgualeNoCase(t->nome, "Piano Dei Conti") ? std::string("Piano dei conti dal DB origine vuoto")
-                                                                   : "Tabella '" + d.tabella + "' dal DB origine vuota.";
-    Host().MsgBox(testo, vbExclamation, TitoloCopia(t->nome));
+    // A copy into the chart speaks of the chart, whichever of the model's charts it reads.
+    Host().MsgBox(TestoTabellaModelloVuota(UgualeNoCase(t->nome, "Piano Dei Conti") ? t->nome : d.tabella),
+                  vbExclamation, TitoloCopia(t->nome));
     return std::nullopt;
   }
   std::string colonne, segnaposto;

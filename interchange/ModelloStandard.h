@@ -65,6 +65,10 @@ struct EsitoTabellaModello {
   bool caricata = false;  // false: the model's table was empty, the company's left as it was
 };
 
+// The text of the box that tells a table the model leaves empty: "Piano dei conti dal DB origine
+// vuoto" for the chart, "Tabella '...' dal DB origine vuota." for the others.
+std::string TestoTabellaModelloVuota(const std::string& tabella);
+
 // Replaces the rows of `tabellaDestinazione` (the model's table when empty) with the rows of
 // one table of the model, inside the caller's transaction when there is one; `righe`, when
 // given, takes the rows written. A table that the model leaves empty is not copied: a message

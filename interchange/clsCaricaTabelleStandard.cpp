@@ -93,7 +93,7 @@ bool clsCaricaTabelleStandard::CopiaColonne(IForm* form, const std::string& tabe
                                             const std::vector<std::string>& colonne, const std::string& titolo) {
   DatiModello d = LeggiTabellaModello(Origine(), tabella);
   if (d.righe.empty()) {
-    Host().MsgBox("Tabella '" + tabella + "' dal DB origine vuota.", vbExclamation, titolo);
+    Host().MsgBox(TestoTabellaModelloVuota(tabella), vbExclamation, titolo);
     return false;
   }
   if (form) form->msgbar("Caricamento " + tabella);

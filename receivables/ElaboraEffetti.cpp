@@ -348,12 +348,7 @@ EsitoElaborazione clsElaboraFatture::ElaboraEffetti(ArgomentiElaboraEffetti& a) 
     }
   }
 
-  msgbar("Elaborazione effetti completata.");
-  if (esito.Registrazioni > 0)
-    Host().MsgBox("Create " + std::to_string(esito.Registrazioni) + " registrazioni di prima nota.", vbExclamation,
-                  kTitolo);
-  else
-    Host().MsgBox("Nessun effetto da elaborare.", vbExclamation, kTitolo);
+  FineElaborazione(a.objFormAttiva, "Elaborazione effetti completata.", esito.Registrazioni, "Nessun effetto da elaborare.", vbExclamation, kTitolo);
   return esito;
 }
 
@@ -508,12 +503,7 @@ EsitoElaborazione clsElaboraFatture::ElaboraScontrini(ArgomentiElaboraScontrini&
     if (!avanti) break;
   }
 
-  msgbar("Elaborazione scontrini completata.");
-  if (esito.Registrazioni > 0)
-    Host().MsgBox("Create " + std::to_string(esito.Registrazioni) + " registrazioni di prima nota.", vbExclamation,
-                  kTitolo);
-  else
-    Host().MsgBox("Nessuno scontrino elaborabile.", vbExclamation, kTitolo);
+  FineElaborazione(a.objFormAttiva, "Elaborazione scontrini completata.", esito.Registrazioni, "Nessuno scontrino elaborabile.", vbExclamation, kTitolo);
   return esito;
 }
 

@@ -928,13 +928,16 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     esito.Registrazioni += registrazioni;
   }
 
-  msgbar("Elaborazione fattura completata.");
-  if (esito.Registrazioni > 0)
-    Host().MsgBox("Create " + std::to_string(esito.Registrazioni) + " registrazioni di prima nota.", vbInformation,
-                  kTitolo);
-  else
-    Host().MsgBox("Nessuna fattura da elaborare.", vbInformation, kTitolo);
+  FineElaborazione(form, "Elaborazione fattura completata.", esito.Registrazioni, "Nessuna fattura da elaborare.",
+                   vbInformation, kTitolo);
   return esito;
+}
+
+void clsElaboraFatture::FineElaborazione(IForm* form, const std::string& riga, long registrazioni,
+                                         const std::string& nessuno, int stile, const std::string& titolo) {
+  if (form) form->msgbar(riga);
+  Host().MsgBox(registrazioni > 0 ? "Create " + std::to_string(registrazioni) + " registrazioni di prima nota." : nessuno,
+                stile, titolo);
 }
 
 }  // namespace vorn

@@ -275,6 +275,10 @@ class clsElaboraFatture {
                               const Valore& clientID, long hWnd);
 
  private:
+  // The end of a posting run: `riga` on the form, then the box with the entries it created, or
+  // `nessuno` when it created none.
+  static void FineElaborazione(IForm* form, const std::string& riga, long registrazioni, const std::string& nessuno,
+                               int stile, const std::string& titolo);
   // What a run reads once instead of at every document or row: the causals' operativity and
   // their register data, the clients' accounts, whether an account is in the chart (for the
   // warnings), the currencies' decimals, the VAT codes of collection expenses and stamps and

@@ -938,11 +938,8 @@ bool clsLiquidazioneIva::AccontoIva(const ArgomentiAccontoIva& a) {
     Atomico unita(db);
     if (a.avar_NumerazionePagine && numerati.prossimo > numerati.primo &&
         !fogli->SalvaFogliStampati(Valore(libro.tipo), Valore(libro.registro), Valore(libro.numero), a.avar_Anno,
-                                   numerati.prossimo, a.clientID, a.hWnd)) {
-      Host().MsgBox("Errore in fase di aggiornamento ultimo numero pagina stampato", vbExclamation,
-                    "Numerazione fogli");
-      return false;
-    }
+                                   numerati.prossimo, a.clientID, a.hWnd))
+      return false;  // the numbering has said why
     RecordValori riga = {
         {"Importo_versato", Valore(a.avar_TotaleAcconto)},
         {"CodiceAziendaVersam", Valore(a.objDatiVersamento ? a.objDatiVersamento->CodiceAzienda() : "")},
