@@ -5,7 +5,8 @@
 // On each engine: a company from the standard model whose [Fatture] holds N printed sales
 // documents of three lines at 22% and 10% (RiempiFattureEsempio, instalments included), posted
 // by clsElaboraFatture::ElaboraFatture with one transaction per document (SQLite with
-// synchronous=FULL: every commit durable), a month at a time. After each month the journal
+// synchronous=FULL: every commit durable; PostgreSQL durable when its server runs with fsync, as
+// scripts/bench.sh starts it for this benchmark), a month at a time. After each month the journal
 // rows that the posting wrote are read back and inserted, with one prepared INSERT each and
 // one commit per document, into an empty company: the physical limit of the same work, timed
 // in turns with the posting so that both meet the same load. Documents per second of both and

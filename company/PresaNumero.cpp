@@ -117,6 +117,29 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
       throw;
     }
   };
+  if (cn.IsPostgres()) {
+    // The counter under lock and the highest number in use, read in one round trip: the second
+    // statement starts once the lock is held, so it sees what the lock's last holder committed.
+    // The raised counter goes to the server with the caller's next statement.
+    VerificaNome(c.tabella);
+    VerificaNome(c.colonna, "colonna");
+    std::string sql = "SELECT [" + c.colonna + "], ctid FROM [" + c.tabella + "]";
+    if (!c.where.empty()) sql += " WHERE " + c.where;
+    sql += " ORDER BY COALESCE([" + c.colonna + "], 0) DESC LIMIT 1 FOR UPDATE";
+    std::vector<std::pair<std::string, Parametri>> letture{{sql, c.parametri}};
+    if (!c.sqlMassimo.empty()) letture.emplace_back(c.sqlMassimo, c.parametriMassimo);
+    auto risposte = cn.EseguiInsieme(letture);
+    Recordset& contatore = risposte[0].rs;
+    if (!contatore.Eof()) {
+      int64_t ultimo = InteroDi(contatore(0).Value());
+      if (risposte.size() > 1 && !risposte[1].rs.Eof()) ultimo = std::max(ultimo, InteroDi(risposte[1].rs(0).Value()));
+      int64_t nuovo = successivo(ultimo);
+      cn.EseguiInCoda("UPDATE [" + c.tabella + "] SET [" + c.colonna + "] = ? WHERE ctid = ?",
+                      {Valore(static_cast<long long>(nuovo)), contatore(1).Value()});
+      transazione.Conferma();
+      return static_cast<int32_t>(nuovo);
+    }
+  }
   Recordset rs = LeggiContatore(cn, c);
   if (rs.Eof() && cn.IsPostgres()) {
     // No row yet: whoever comes second waits here for the first to commit the row it makes,

@@ -707,7 +707,8 @@ const std::vector<IndiceCatalogo>& IndiciCatalogo() {
       {"ix_spdc_conto", "Saldi Piano Dei Conti", {"CodiceGruppo", "CodiceConto", "CodiceSottoconto"}},
       {"ix_cli_conto", "Anagrafica Clienti", {"SottocontoApparten"}},
       {"ix_for_conto", "Anagrafica Fornitori", {"SottocontoApparten"}},
-      {"ix_sc_codice", "Scadenziario", {"Tipo", "Codice Cliente"}},
+      // A party's instalments, and a document's (the posting stamps its first instalment).
+      {"ix_sc_documento", "Scadenziario", {"Tipo", "Codice Cliente", "Numero Documento"}},
       {"ix_sc_doc", "Scadenziario", {"Progressivo Documento"}},
       {"ix_sc_numprog", "Scadenziario", {"Numero Progressivo"}},
       {"ix_sc_scad", "Scadenziario", {"Data Scadenza"}},

@@ -249,6 +249,45 @@ void Recordset::FiltroChiave(std::string& sql, Parametri& p, const std::vector<V
   }
 }
 
+void Recordset::UpdateInCoda() {
+  Assicura();
+  if (edit_ != adEditInProgress) {
+    Update();
+    return;
+  }
+  std::string sql;
+  Parametri p;
+  if (!TestoAggiornamento(sql, p)) return;
+  cn_->EseguiInCoda(sql, p);
+  edit_ = adEditNone;
+  originale_.clear();
+}
+
+// The UPDATE of the row being edited (by its key, or its row identity); false when no column
+// changed.
+bool Recordset::TestoAggiornamento(std::string& sql, Parametri& p) {
+  const auto& row = rows_[pos_];
+  std::string set;
+  for (size_t i = 0; i < cols_.size(); ++i) {
+    if (static_cast<int>(i) == rid_ || !variati_[i]) continue;
+    if (!set.empty()) set += ", ";
+    set += Quadre(cols_[i].nome) + " = ?";
+    p.push_back(row[i]);
+  }
+  if (set.empty()) {
+    edit_ = adEditNone;
+    return false;
+  }
+  sql = "UPDATE " + Quadre(tabella_) + " SET " + set + " WHERE ";
+  if (!chiave_.empty()) {
+    FiltroChiave(sql, p, originale_);
+  } else {
+    sql += cn_->ColonnaRid() + " = ?";
+    p.push_back(originale_[rid_]);
+  }
+  return true;
+}
+
 void Recordset::Update() {
   Assicura();
   if (edit_ == adEditNone) return;
@@ -270,25 +309,8 @@ void Recordset::Update() {
     }
     if (cols.empty()) sql = "INSERT INTO " + Quadre(tabella_) + " DEFAULT VALUES";
     else sql = "INSERT INTO " + Quadre(tabella_) + " (" + cols + ") VALUES (" + vals + ")";
-  } else {
-    std::string set;
-    for (size_t i = 0; i < cols_.size(); ++i) {
-      if (static_cast<int>(i) == rid_ || !variati_[i]) continue;
-      if (!set.empty()) set += ", ";
-      set += Quadre(cols_[i].nome) + " = ?";
-      p.push_back(row[i]);
-    }
-    if (set.empty()) {
-      edit_ = adEditNone;
-      return;
-    }
-    sql = "UPDATE " + Quadre(tabella_) + " SET " + set + " WHERE ";
-    if (!chiave_.empty()) {
-      FiltroChiave(sql, p, originale_);
-    } else {
-      sql += ridExpr + " = ?";
-      p.push_back(originale_[rid_]);
-    }
+  } else if (!TestoAggiornamento(sql, p)) {
+    return;
   }
   // The row as the database holds it now: defaults and generated numbers come back too.
   sql += " RETURNING *";
@@ -503,21 +525,40 @@ uint64_t Connessione::ScrittureDi(std::string_view tabella) {
   return 0;
 }
 
+const Connessione::Impronta& Connessione::ImprontaDi(std::string_view sql) {
+  auto it = impronte_.find(sql);
+  if (it != impronte_.end() && it->second.osservate == osservate_.size() && it->second.differiti == differiti_.size())
+    return it->second;
+  if (it == impronte_.end()) {
+    // Texts with values written in them could be many: the cache starts again.
+    if (impronte_.size() >= 1024) impronte_.clear();
+    it = impronte_.emplace(std::string(sql), Impronta{}).first;
+  }
+  std::string minuscolo(sql);
+  for (char& ch : minuscolo)
+    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+  Impronta& imp = it->second;
+  imp = Impronta{osservate_.size(), differiti_.size(), {}, {}};
+  // A write names the table bracketed, or quoted as Identificatore gives it on PostgreSQL.
+  for (size_t i = 0; i < osservate_.size(); ++i)
+    if (minuscolo.find(osservate_[i].quadre) != std::string::npos ||
+        minuscolo.find(osservate_[i].virgolette) != std::string::npos)
+      imp.nominate.push_back(i);
+  for (size_t i = 0; i < differiti_.size(); ++i)
+    if (differiti_[i].second->Tocca(minuscolo)) imp.toccati.push_back(i);
+  return imp;
+}
+
 void Connessione::PrimaDi(std::string_view sql) {
   const bool osserva = !osservate_.empty() && !SoloLettura(sql);
   const bool differiti = !scrivendo_ && !differiti_.empty();
   if (!osserva && !differiti) return;
-  std::string minuscolo(sql);
-  for (char& ch : minuscolo)
-    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
-  // A write names the table bracketed, or quoted as Identificatore gives it on PostgreSQL.
+  const Impronta& imp = ImprontaDi(sql);
   if (osserva)
-    for (auto& o : osservate_)
-      if (minuscolo.find(o.quadre) != std::string::npos || minuscolo.find(o.virgolette) != std::string::npos)
-        ++o.scritture;
+    for (size_t i : imp.nominate) ++osservate_[i].scritture;
   if (!differiti) return;
-  for (auto& [nome, d] : differiti_) {
-    if (!d->Vuoto() && d->Tocca(minuscolo)) {
+  for (size_t i : imp.toccati) {
+    if (!differiti_[i].second->Vuoto()) {
       ScriviDifferiti();
       return;
     }
@@ -553,6 +594,31 @@ void Connessione::EseguiInCoda(std::string_view sql, const Parametri& p) {
   std::string testo = Traduci(sql);
   if (livello_ > 0 && Accoda(testo, n.empty() ? p : n)) return;
   EseguiInterno(testo, n.empty() ? p : n, false);
+}
+
+std::vector<Connessione::Risposta> Connessione::EseguiInsieme(
+    const std::vector<std::pair<std::string, Parametri>>& istruzioni) {
+  std::vector<std::pair<std::string, Parametri>> pronte;
+  pronte.reserve(istruzioni.size());
+  for (const auto& [sql, p] : istruzioni) {
+    RifiutaControlloTransazione(sql);
+    PrimaDi(sql);
+    Parametri n = Normalizza(p);
+    pronte.emplace_back(Traduci(sql), n.empty() ? p : std::move(n));
+  }
+  std::vector<Esito> esiti = EseguiInsiemeInterno(pronte);
+  std::vector<Risposta> risposte;
+  risposte.reserve(esiti.size());
+  for (auto& e : esiti) risposte.push_back({Recordset::DaDati(std::move(e.dati)), e.righe});
+  return risposte;
+}
+
+std::vector<Connessione::Esito> Connessione::EseguiInsiemeInterno(
+    const std::vector<std::pair<std::string, Parametri>>& istruzioni) {
+  std::vector<Esito> esiti;
+  esiti.reserve(istruzioni.size());
+  for (const auto& [sql, p] : istruzioni) esiti.push_back(EseguiInterno(sql, p, true));
+  return esiti;
 }
 
 void Connessione::Scorri(std::string_view sql, const Parametri& p,

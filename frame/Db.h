@@ -134,6 +134,11 @@ class Recordset {
   int EditMode() const { return edit_; }
   void AddNew();
   void Update();
+  // As Update, for a row read from the table (after AddNew it is Update) whose values nobody
+  // reads back from the database: inside a transaction on PostgreSQL the write waits and goes
+  // to the server with the next statement (Connessione::EseguiInCoda), and a row that is no
+  // longer there is not noticed.
+  void UpdateInCoda();
   void CancelUpdate();
   void Delete();
   void Close();
@@ -154,6 +159,7 @@ class Recordset {
   void Set(int idx, const Valore& v);
   void Assicura() const;
   void FiltroChiave(std::string& sql, std::vector<Valore>& p, const std::vector<Valore>& riga) const;
+  bool TestoAggiornamento(std::string& sql, std::vector<Valore>& p);
 
   bool open_ = false;
   std::vector<Colonna> cols_;
@@ -256,6 +262,16 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   // connection). Its error, if any, is then thrown by that later statement, and the transaction
   // can only be rolled back. Outside a transaction, and on SQLite, it runs at once.
   void EseguiInCoda(std::string_view sql, const Parametri& p);
+  // Statements sent together and run one after the other, each as Execute would run it: on
+  // PostgreSQL in one round trip, behind the writes waiting. Each sees what the ones before
+  // it did and what other sessions committed before it began, so a row locked by one
+  // (FOR UPDATE) is read by the next as its holder committed it. For each, its rows and the
+  // rows it touched. An error is thrown once every statement has answered.
+  struct Risposta {
+    Recordset rs;
+    int64_t righe = 0;
+  };
+  std::vector<Risposta> EseguiInsieme(const std::vector<std::pair<std::string, Parametri>>& istruzioni);
   // Streams the rows of a statement one by one, without holding them all: for long scans.
   // The callback gets the column list and one row; returning false stops the scan.
   void Scorri(std::string_view sql, const Parametri& p,
@@ -329,6 +345,9 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
     int64_t righe = 0;
   };
   virtual Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) = 0;
+  // Several statements, translated and normalised, their answers in order; one by one unless
+  // the engine can do better.
+  virtual std::vector<Esito> EseguiInsiemeInterno(const std::vector<std::pair<std::string, Parametri>>& istruzioni);
   virtual void ScorriInterno(const std::string& sql, const Parametri& p,
                              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
   virtual std::vector<std::string> LeggiChiave(const std::string& tabella) = 0;
@@ -359,6 +378,18 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
     uint64_t scritture = 0;
   };
   std::vector<Osservata> osservate_;
+  // What a statement's text names, worked out once per text: the watched tables it names and
+  // the deferred work it touches (indices), for as many of each as there were then.
+  struct Impronta {
+    size_t osservate = 0, differiti = 0;
+    std::vector<size_t> nominate, toccati;
+  };
+  struct HashTesto {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  std::unordered_map<std::string, Impronta, HashTesto, std::equal_to<>> impronte_;
+  const Impronta& ImprontaDi(std::string_view sql);
   uint64_t serie_ = 0;
   bool compromessa_ = false;
   int livello_ = 0;

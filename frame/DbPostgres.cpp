@@ -119,13 +119,28 @@ class ConnessionePostgres final : public Connessione {
     c_ = nullptr;
     preparate_.clear();
     coda_.clear();
+    inizioInCoda_ = false;
   }
 
   void Controllo(const char* sql) override {
     Assicura();
+    // The transaction's start waits for its first statement and goes to the server with it, in
+    // the same round trip. Until then the server knows of no transaction.
+    if (std::strcmp(sql, TestoInizio()) == 0 && coda_.empty() && !InTransazione()) {
+      coda_.push_back({sql, {}});
+      inizioInCoda_ = true;
+      return;
+    }
     // A rollback drops the writes waiting to be sent: they were all made inside what it undoes
-    // (a savepoint is opened only once the queue has been sent).
-    if (std::strncmp(sql, "ROLLBACK", 8) == 0) coda_.clear();
+    // (a savepoint is opened only once the queue has been sent). A transaction whose start is
+    // still waiting has nothing on the server to undo.
+    if (std::strncmp(sql, "ROLLBACK", 8) == 0) {
+      coda_.clear();
+      if (inizioInCoda_) {
+        inizioInCoda_ = false;
+        return;
+      }
+    }
     if (!coda_.empty()) {
       Esito e;
       Invia(sql, {}, false, e);
@@ -139,6 +154,7 @@ class ConnessionePostgres final : public Connessione {
   bool InErrore() const override { return c_ && PQtransactionStatus(c_) == PQTRANS_INERROR; }
   bool InTransazione() const override {
     if (!c_) return false;
+    if (inizioInCoda_) return true;
     auto s = PQtransactionStatus(c_);
     return s == PQTRANS_INTRANS || s == PQTRANS_INERROR;
   }
@@ -221,6 +237,16 @@ class ConnessionePostgres final : public Connessione {
     coda_.push_back({sql, p});
     if (coda_.size() >= kMassimoCoda) Svuota();
     return true;
+  }
+
+  std::vector<Esito> EseguiInsiemeInterno(const std::vector<std::pair<std::string, Parametri>>& istruzioni) override {
+    Assicura();
+    std::vector<InCoda> letture;
+    letture.reserve(istruzioni.size());
+    for (const auto& [sql, p] : istruzioni) letture.push_back({sql, p});
+    std::vector<Esito> esiti;
+    Invia(std::move(letture), true, esiti);
+    return esiti;
   }
 
   Esito EseguiInterno(const std::string& sql, const Parametri& p, bool righe) override {
@@ -331,9 +357,22 @@ class ConnessionePostgres final : public Connessione {
   // round trip. The answer of `sql` goes into `e`. The first error met is thrown once every
   // answer has been read (the server skips what follows it, and the transaction is failed).
   void Invia(const std::string& sql, const Parametri& p, bool righe, Esito& e) {
+    std::vector<InCoda> letture;
+    if (!sql.empty()) letture.push_back({sql, p});
+    std::vector<Esito> esiti;
+    Invia(std::move(letture), righe, esiti);
+    if (!esiti.empty()) e = std::move(esiti.front());
+  }
+
+  // The writes waiting, then the statements of `letture`, in one pipeline; the answers of
+  // `letture`, in order, go into `esiti`.
+  void Invia(std::vector<InCoda> letture, bool righe, std::vector<Esito>& esiti) {
     std::vector<InCoda> coda = std::move(coda_);
     coda_.clear();
-    if (!sql.empty()) coda.push_back({sql, p});
+    inizioInCoda_ = false;
+    const size_t primaLettura = coda.size();
+    for (auto& l : letture) coda.push_back(std::move(l));
+    esiti.assign(coda.size() - primaLettura, Esito{});
     // Prepared before the pipeline starts; a cache cleared meanwhile prepares them all again.
     // Reserved: each Testi's values point into its own strings, which must not move.
     std::vector<Testi> testi;
@@ -364,7 +403,7 @@ class ConnessionePostgres final : public Connessione {
       throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
     }
     PGresult* errore = nullptr;
-    bool ultimoLetto = sql.empty();
+    size_t letti = 0;
     for (size_t i = 0; i < coda.size(); ++i) {
       PGresult* r = PQgetResult(c_);
       if (!r) ErroreConnessione();
@@ -372,9 +411,9 @@ class ConnessionePostgres final : public Connessione {
       if (st == PGRES_FATAL_ERROR && !errore) {
         errore = r;
       } else {
-        if (i + 1 == coda.size() && !sql.empty() && st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) {
-          Raccogli(r, e, righe);
-          ultimoLetto = true;
+        if (i >= primaLettura && st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) {
+          Raccogli(r, esiti[i - primaLettura], righe);
+          ++letti;
         }
         PQclear(r);
       }
@@ -392,7 +431,7 @@ class ConnessionePostgres final : public Connessione {
       Risultato r(errore);
       Verifica(r.r);
     }
-    if (!ultimoLetto) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+    if (letti != esiti.size()) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
   }
 
   static bool DaPreparare(const std::string& sql) {
@@ -485,6 +524,7 @@ class ConnessionePostgres final : public Connessione {
   unsigned contatore_ = 0;
   unsigned svuotamenti_ = 0;  // times the prepared statements were all dropped
   std::vector<InCoda> coda_;
+  bool inizioInCoda_ = false;  // BEGIN is the first of coda_, not yet sent
 };
 
 void AvvisoSilenzioso(void*, const PGresult*) {}

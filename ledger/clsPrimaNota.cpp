@@ -1158,11 +1158,17 @@ bool clsPrimaNota::AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazion
 bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistrazionePN, const Valore& clientID,
                                                      long hWnd) {
   AssicuraConnessione();
-  // The company's row, written in one statement; made when there is none.
-  if (cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [UltimaRegistrazionePN] = ?, [clientName] = ?, [hWnd] = ?",
-                 {Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN))),
-                  Coerci(clientID, TipoCampo::Testo), Valore(static_cast<long long>(hWnd))}) > 0)
+  const Parametri valori{Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN))),
+                         Coerci(clientID, TipoCampo::Testo), Valore(static_cast<long long>(hWnd))};
+  const std::string sql = "UPDATE [Progressivi Azienda Vorn] SET [UltimaRegistrazionePN] = ?, [clientName] = ?, [hWnd] = ?";
+  // In the transaction that took the entry number the row is there (the number was taken from
+  // it, under its lock): the write goes with the next statement.
+  if (serieNumero_ != 0 && cnNumero_ == cn.get() && serieNumero_ == cn->SerieTransazione()) {
+    cn->EseguiInCoda(sql, valori);
     return true;
+  }
+  // The company's row, written in one statement; made when there is none.
+  if (cn->Esegui(sql, valori) > 0) return true;
   Recordset rs = cn->Apri("Progressivi Azienda Vorn");
   if (rs.Eof()) rs.AddNew();
   rs("UltimaRegistrazionePN") = Valore(static_cast<long long>(NullToZeroLng(UltimaRegistrazionePN)));
@@ -1219,7 +1225,7 @@ bool clsPrimaNota::AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, con
   rs("NumeroUltimoDoc") = NumeroUltimoDoc;
   rs("DataUltimoDoc") = DataUltimoDoc;
   rs("NumeroUltimoDocBollato") = Valore("");
-  rs.Update();
+  rs.UpdateInCoda();
   rs.Close();
   return true;
 }
@@ -1263,6 +1269,8 @@ int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   // Above every number of the journal, and the counter stays locked until the commit: the entry
   // has no row yet, and its rows written in this transaction need not be looked for.
   if (RegistrazioniNuoveValide()) letture_.registrazioniNuove.insert(Format(Valore(n), "00000"));
+  cnNumero_ = cn.get();
+  serieNumero_ = cn->SerieTransazione();
   return n;
 }
 

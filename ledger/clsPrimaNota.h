@@ -276,6 +276,10 @@ class clsPrimaNota {
   bool RegistrazioniNuoveValide();
   // Movement of one row with its causal's operativity already read (none: not there).
   void MovimentaRiga(const MovimentoPrimaNota& m, const std::optional<std::string>& operativita);
+  // The transaction (connection and serial) in which this object last took an entry number:
+  // the company's row is there until it ends.
+  const Connessione* cnNumero_ = nullptr;
+  uint64_t serieNumero_ = 0;
   std::optional<MovimentiSaldi> raccolta_;
   std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
   struct Avviso {

@@ -377,22 +377,32 @@ void FiltroDocumento(std::string& w, Parametri& p, const Valore& tipo, const Val
   p = {Valore(T(tipo)), Valore(T(Codice_Cliente)), DataIngresso(DataDocumento), Valore(T(Serie)),
        Valore(static_cast<long long>(NullToZeroLng(NumeroDocumento)))};
 }
-}  // namespace
 
-bool clsElaboraFatture::UpdateDatiRegistrazioneInScadenza(const Valore& tipo, const Valore& Codice_Cliente,
+// The registration stamped on the document's first instalment, found and written in one
+// statement.
+std::pair<std::string, Parametri> RegistrazioneInScadenza(const Valore& tipo, const Valore& Codice_Cliente,
                                                           const Valore& DataDocumento, const Valore& Serie,
                                                           const Valore& NumeroDocumento, int32_t numeroRegistrazione,
                                                           const Valore& DataRegistrazione) {
   std::string w;
   Parametri p;
   FiltroDocumento(w, p, tipo, Codice_Cliente, DataDocumento, Serie, NumeroDocumento);
-  // The document's first instalment, found and written in one statement.
   Parametri pu{Valore(Format(Valore(numeroRegistrazione), "00000")), DataInTesto(DataRegistrazione)};
   pu.insert(pu.end(), p.begin(), p.end());
-  return cn->Esegui("UPDATE [Scadenziario] SET [numeroRegistrazione] = ?, [DataRegistrazione] = ? "
-                    "WHERE [Numero Progressivo] = (SELECT MIN([Numero Progressivo]) FROM [Scadenziario] WHERE " +
-                        w + ")",
-                    pu) > 0;
+  return {"UPDATE [Scadenziario] SET [numeroRegistrazione] = ?, [DataRegistrazione] = ? "
+          "WHERE [Numero Progressivo] = (SELECT MIN([Numero Progressivo]) FROM [Scadenziario] WHERE " +
+              w + ")",
+          std::move(pu)};
+}
+}  // namespace
+
+bool clsElaboraFatture::UpdateDatiRegistrazioneInScadenza(const Valore& tipo, const Valore& Codice_Cliente,
+                                                          const Valore& DataDocumento, const Valore& Serie,
+                                                          const Valore& NumeroDocumento, int32_t numeroRegistrazione,
+                                                          const Valore& DataRegistrazione) {
+  auto [sql, p] = RegistrazioneInScadenza(tipo, Codice_Cliente, DataDocumento, Serie, NumeroDocumento,
+                                          numeroRegistrazione, DataRegistrazione);
+  return cn->Esegui(sql, p) > 0;
 }
 
 int32_t clsElaboraFatture::GetNumeroScadenzaAcconto(const Valore& tipo, const Valore& Codice_Cliente,
@@ -602,17 +612,28 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         Atomico unita(c, true);
         // The document is claimed first: a run that meets it already posted (by another run
         // since this one read the list) leaves it alone. On PostgreSQL the claim waits for the
-        // other run's transaction and then finds the stamp.
+        // other run's transaction and then finds the stamp. Its lines are read with the claim,
+        // in the same round trip.
+        Recordset righeDocumento;
         {
           Parametri p{Valore(true)};
           std::string w = FiltroFattura(p, numero, serieGrezza, true);
           p.push_back(Valore(false));
-          if (c.Esegui("UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
-                           " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",
-                       p) == 0) {
+          auto risposte = c.EseguiInsieme(
+              {{"UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
+                    " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",
+                p},
+               {"SELECT [Movimenti Magazzino].[Contropartita], [Movimenti Magazzino].[Importo], "
+                "[Movimenti Magazzino].[Scorporo iva], [Codici Iva].[Aliquota] FROM [Movimenti Magazzino] "
+                "LEFT JOIN [Codici Iva] ON [Movimenti Magazzino].[Codice Iva] = [Codici Iva].[Codice Iva] "
+                "WHERE [Movimenti Magazzino].[Numero] = ? AND TRIM(COALESCE([Movimenti Magazzino].[Serie], '')) = ? "
+                "AND [Movimenti Magazzino].[Tipo documento] = 'F'",
+                {Valore(static_cast<long long>(NullToZeroLng(numero))), serie}}});
+          if (risposte[0].righe == 0) {
             giaFatto = true;
             return;
           }
+          righeDocumento = std::move(risposte[1].rs);
         }
 
         // The client's account.
@@ -723,13 +744,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                       sp = Percentuale(campo("Sconto Pagamento %"));
         std::map<std::string, Importo> ricavi;
         {
-          Recordset mm = c.Execute(
-              "SELECT [Movimenti Magazzino].[Contropartita], [Movimenti Magazzino].[Importo], "
-              "[Movimenti Magazzino].[Scorporo iva], [Codici Iva].[Aliquota] FROM [Movimenti Magazzino] "
-              "LEFT JOIN [Codici Iva] ON [Movimenti Magazzino].[Codice Iva] = [Codici Iva].[Codice Iva] "
-              "WHERE [Movimenti Magazzino].[Numero] = ? AND TRIM(COALESCE([Movimenti Magazzino].[Serie], '')) = ? "
-              "AND [Movimenti Magazzino].[Tipo documento] = 'F'",
-              {numDoc, serie});
+          Recordset& mm = righeDocumento;
           for (; !mm.Eof(); mm.MoveNext()) {
             Importo imp = NullToZeroCy(mm(1).Value());
             if (mm(2).Value().Vero()) {
@@ -809,7 +824,11 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         pn.AggiornaProgressiviPrimaNota(vReg, dataReg, Valore(tipoRegistro), Valore(numRegistro), serie, numDoc, dataDoc,
                                         numDoc, a.clientID, a.hWnd);
         const Valore tipoSca = Valore(tipoCliFor == "F" ? "FO" : "CL");
-        UpdateDatiRegistrazioneInScadenza(tipoSca, Valore(codiceCliente), dataDoc, serie, numDoc, nReg, dataReg);
+        {
+          // A document without instalments has nothing to stamp: the write goes with the next statement.
+          auto [sql, p] = RegistrazioneInScadenza(tipoSca, Valore(codiceCliente), dataDoc, serie, numDoc, nReg, dataReg);
+          c.EseguiInCoda(sql, p);
+        }
 
         // The amounts the document settles at once.
         auto saldo = [&](Importo importo, const char* tipoEff, const char* nota, const Valore& caus,

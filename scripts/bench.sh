@@ -2,8 +2,9 @@
 # The benchmarks: builds, starts a throwaway PostgreSQL, runs vorn_bench with the given
 # arguments (default: posting at 10,000 and 100,000 entries, the rebuild of a million rows,
 # the ledger cards, the VAT registers of a year over a million rows, the posting of 10,000
-# invoices, the balance sheet and the trial balance over a million rows, the import of a million
-# journal rows from the exchange file against SalvaRecord), stops the server.
+# invoices (on a PostgreSQL with durable commits), the balance sheet and the trial balance
+# over a million rows, the import of a million journal rows from the exchange file against
+# SalvaRecord), stops the server.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -21,6 +22,12 @@ if [ $# -gt 0 ]; then exec "$B" "$@"; fi
 "$B" mastrini --motore entrambi
 "$B" registri-iva --motore entrambi
 "$B" libro-giornale --motore entrambi
+# Invoice posting is measured with durable commits on both engines: SQLite with
+# synchronous=FULL, PostgreSQL with fsync on (the server is started again for it).
+pg_ferma
+PG_DURABILE=1 pg_avvia
 "$B" elabora-fatture --documenti 10000 --motore entrambi
+pg_ferma
+pg_avvia
 "$B" bilancio --motore entrambi
 "$B" importa-prima-nota --righe 1000000 --motore sqlite

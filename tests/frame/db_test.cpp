@@ -306,4 +306,42 @@ TEST_P(DataLayerUnits, QueuedWritesKeepTheirOrderAndTheirErrors) {
   cn->CommitTrans();
   EXPECT_EQ(Righe(), 4);
 }
+
+TEST_P(DataLayerUnits, StatementsSentTogetherRunInOrderAfterTheQueuedWrites) {
+  // A transaction that sends nothing leaves nothing open, whether it ends either way.
+  cn->BeginTrans();
+  EXPECT_TRUE(cn->InTransazione());
+  cn->RollbackTrans();
+  EXPECT_FALSE(cn->InTransazione());
+  cn->BeginTrans();
+  cn->CommitTrans();
+  EXPECT_FALSE(cn->InTransazione());
+
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("A")});
+  auto r = cn->EseguiInsieme({{"UPDATE [T] SET [Codice] = ? WHERE [Codice] = ?", {Valore("B"), Valore("A")}},
+                              {"SELECT [Codice] FROM [T] ORDER BY [Codice]", {}},
+                              {"DELETE FROM [T] WHERE [Codice] = ?", {Valore("X")}}});
+  ASSERT_EQ(r.size(), 3u);
+  EXPECT_EQ(r[0].righe, 1);
+  ASSERT_FALSE(r[1].rs.Eof());
+  EXPECT_EQ(r[1].rs(0).Value().Str(), "B");
+  EXPECT_EQ(r[2].righe, 0);
+
+  // An editable row written back through the queue: the next read sees it, a rollback undoes it.
+  Recordset rs = cn->Apri("T", "[Codice] = ?", {Valore("B")});
+  rs("Codice") = Valore("C");
+  rs.UpdateInCoda();
+  EXPECT_EQ(cn->Scalare("SELECT [Codice] FROM [T]").Str(), "C");
+  cn->CommitTrans();
+
+  // A statement that fails among them fails the call; the rollback keeps what was there.
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("D")});
+  EXPECT_THROW(cn->EseguiInsieme({{"INSERT INTO [T] VALUES (?)", {Valore("C")}}, {"SELECT count(*) FROM [T]", {}}}),
+               ErroreDb);
+  cn->RollbackTrans();
+  EXPECT_EQ(Righe(), 1);
+  EXPECT_EQ(cn->Scalare("SELECT [Codice] FROM [T]").Str(), "C");
+}
 VORN_SU_DUE_MOTORI(DataLayerUnits);
