@@ -121,22 +121,10 @@ TEST_P(LibroGiornaleTest, ProvaPoiBollatoStessaStampaEMeseDopo) {
   Giornale();
   std::string prova = Stampa(Argomenti("prova.txt", 1, false));
   ConfrontaGolden("ledger/golden/libro_giornale_gennaio.txt", prova);
-  // Rows 121 to 127; the 15th's totals count the entry already on the book (10,00), the body
-  // leaves it out; the running totals add the printed rows to 5.000,00: 100 + 1.220 + 50,25.
-  EXPECT_NE(prova.find("000127 31/01/24       3/A            1201001 Conto 1201001"), std::string::npos);
+  // The golden file holds rows 121 to 127 over three sheets: the 15th's totals count the entry
+  // already on the book (10,00), the body leaves it out; 6.320,00 carried after row 125; the
+  // running totals add the printed rows to 5.000,00: 100 + 1.220 + 50,25 = 6.370,25.
   EXPECT_EQ(prova.find("1202001"), std::string::npos);
-  EXPECT_NE(prova.find("Totale DARE  del giorno  15/01/2024                                              1.330,00"),
-            std::string::npos);
-  EXPECT_NE(prova.find("TOTALE DARE  PROGRESSIVO                                                      6.370,25"),
-            std::string::npos);
-  EXPECT_NE(prova.find("TOTALE AVERE PROGRESSIVO                                                            6.370,25"),
-            std::string::npos);
-  // Three sheets: the totals carried from each page to the next (6.320,00 after row 125).
-  EXPECT_NE(prova.find("2024/3"), std::string::npos);
-  EXPECT_NE(prova.find("A RIPORTARE             DARE           6.320,00    AVERE           6.320,00"),
-            std::string::npos);
-  EXPECT_NE(prova.find("RIPORTO                 DARE           6.320,00    AVERE           6.320,00"),
-            std::string::npos);
   // A trial leaves nothing, and twice gives the same file.
   EXPECT_EQ(Marcate(), 2);
   Libro prima = Stato();
@@ -160,7 +148,6 @@ TEST_P(LibroGiornaleTest, ProvaPoiBollatoStessaStampaEMeseDopo) {
   // 29th.
   std::string febbraio = Stampa(Argomenti("febbraio.txt", 2, true));
   ConfrontaGolden("ledger/golden/libro_giornale_febbraio.txt", febbraio);
-  EXPECT_NE(febbraio.find("000131 29/02/24"), std::string::npos);
   Libro marzo = Stato();
   EXPECT_EQ(marzo.riga, 131);
   EXPECT_EQ(marzo.dare, Imp("6900.25"));
