@@ -34,6 +34,17 @@ class Causali : public vorn::test::AziendaTest {
     return v.IsNull() ? "<null>" : v.Testo();
   }
   long Righe() { return NullToZero(cn->Scalare("SELECT COUNT(*) FROM [Causali Contabili]")); }
+  // Every output of GetParametriCausale.
+  struct Uscite {
+    Valore descr, registro, tipo, partite, contabile, intra, serie, regProposto, quadratura, pos, nonUsata, insoluto,
+        cespiti, regSemp, numSemp, rsm, intAut;
+    Valore dare[11], avere[11], ammessi[10];
+  };
+  bool Leggi(const char* codice, Uscite& p) {
+    return causali.GetParametriCausale(Valore(codice), p.descr, p.registro, p.tipo, p.partite, p.contabile, p.intra,
+                                       p.serie, p.regProposto, p.quadratura, p.dare, p.avere, p.ammessi, p.pos,
+                                       p.nonUsata, p.insoluto, p.cespiti, p.regSemp, p.numSemp, p.rsm, p.intAut);
+  }
   static long NullToZero(const Valore& v) { return v.IsNull() ? 0 : static_cast<long>(*v.ComeIntero()); }
 
   clsCausaliContabili causali;
@@ -187,31 +198,28 @@ TEST_P(Causali, UnknownCausalGivesDefaultsAndFalse) {
   EXPECT_FALSE(causali.GetParametriCausaleMovimentazione(ignoto, reg, tipo, partite, contabile, intra, quadratura));
   for (const Valore* v : {&reg, &tipo, &partite, &contabile, &intra, &quadratura}) EXPECT_EQ(*v, Valore(""));
 
-  Valore descr("x"), registro("x"), serie("x"), regProposto("x"), pos("x"), nonUsata("x"), insoluto("x"),
-      cespiti("x"), regSemp("x"), numSemp("x"), rsm("x"), intAut("x");
-  Valore dare[11], avere[11], ammessi[10];
-  for (auto& v : dare) v = Valore("x");
-  for (auto& v : avere) v = Valore("x");
-  for (auto& v : ammessi) v = Valore("x");
-  EXPECT_FALSE(causali.GetParametriCausale(ignoto, descr, registro, tipo, partite, contabile, intra, serie,
-                                           regProposto, quadratura, dare, avere, ammessi, pos, nonUsata, insoluto,
-                                           cespiti, regSemp, numSemp, rsm, intAut));
-  EXPECT_EQ(registro, Valore("0"));
-  EXPECT_EQ(regProposto, Valore("01"));
-  EXPECT_EQ(descr, Valore(""));
-  EXPECT_EQ(tipo, Valore(""));
-  EXPECT_EQ(contabile, Valore("0"));
-  EXPECT_EQ(nonUsata, Valore("0"));
+  Uscite p;
+  for (Valore* v : {&p.descr, &p.registro, &p.tipo, &p.contabile, &p.nonUsata, &p.regProposto}) *v = Valore("x");
+  for (auto& v : p.dare) v = Valore("x");
+  for (auto& v : p.avere) v = Valore("x");
+  for (auto& v : p.ammessi) v = Valore("x");
+  EXPECT_FALSE(Leggi("ZZ", p));
+  EXPECT_EQ(p.registro, Valore("0"));
+  EXPECT_EQ(p.regProposto, Valore("01"));
+  EXPECT_EQ(p.descr, Valore(""));
+  EXPECT_EQ(p.tipo, Valore(""));
+  EXPECT_EQ(p.contabile, Valore("0"));
+  EXPECT_EQ(p.nonUsata, Valore("0"));
   int vuoti = 0;
-  for (int i = 1; i <= 10; ++i) vuoti += (dare[i] == Valore("")) + (avere[i] == Valore(""));
-  for (int i = 1; i <= 9; ++i) vuoti += ammessi[i] == Valore("");
+  for (int i = 1; i <= 10; ++i) vuoti += (p.dare[i] == Valore("")) + (p.avere[i] == Valore(""));
+  for (int i = 1; i <= 9; ++i) vuoti += p.ammessi[i] == Valore("");
   EXPECT_EQ(vuoti, 29);
-  EXPECT_EQ(dare[0], Valore("x"));  // element 0 is no sub-account
+  EXPECT_EQ(p.dare[0], Valore("x"));  // element 0 is no sub-account
 
   Valore regConto("07");
-  EXPECT_FALSE(causali.GetParametriCausaleContabilizzazione(ignoto, registro, tipo, regConto));
-  EXPECT_EQ(registro, Valore("0"));
-  EXPECT_EQ(tipo, Valore(""));
+  EXPECT_FALSE(causali.GetParametriCausaleContabilizzazione(ignoto, p.registro, p.tipo, regConto));
+  EXPECT_EQ(p.registro, Valore("0"));
+  EXPECT_EQ(p.tipo, Valore(""));
   EXPECT_EQ(regConto, Valore("07"));
   EXPECT_FALSE(causali.GetRegistroIVAProposto(ignoto, regConto));
   EXPECT_EQ(regConto, Valore("07"));
@@ -274,45 +282,30 @@ TEST_P(Causali, SavedRowIsHandedOutColumnByColumn) {
   bool cancel = false;
   ASSERT_TRUE(causali.SalvaRecordSottocontiProposti(Valore("ACQ"), sd, sa, Valore("prova"), 1, cancel, true));
 
-  Valore descr, registro, tipo, partite, contabile, intra, serie, regProposto, quadratura, pos, nonUsata, insoluto,
-      cespiti, regSemp, numSemp, rsm, intAut;
-  Valore dare[11], avere[11], ammessi[10];
-  ASSERT_TRUE(causali.GetParametriCausale(Valore("ACQ"), descr, registro, tipo, partite, contabile, intra, serie,
-                                          regProposto, quadratura, dare, avere, ammessi, pos, nonUsata, insoluto,
-                                          cespiti, regSemp, numSemp, rsm, intAut));
-  EXPECT_EQ(descr, Valore("Fattura d'acquisto"));
-  EXPECT_EQ(registro, Valore("2"));
-  EXPECT_EQ(tipo, Valore("0"));
-  EXPECT_EQ(partite, Valore("3"));
-  EXPECT_EQ(contabile, Valore("1"));
-  EXPECT_EQ(intra, Valore("2"));
-  EXPECT_EQ(serie, Valore("%A/A"));
-  EXPECT_EQ(regProposto, Valore("02"));
-  EXPECT_EQ(quadratura, Valore("1"));
-  EXPECT_EQ(pos.ComeIntero(), 3);
-  EXPECT_EQ(nonUsata, Valore("1"));
-  EXPECT_EQ(insoluto, Valore("1"));
-  EXPECT_EQ(cespiti, Valore("4"));
-  EXPECT_EQ(regSemp, Valore("2"));
-  EXPECT_EQ(numSemp, Valore("03"));
-  EXPECT_EQ(rsm, Valore("2810001"));
-  EXPECT_EQ(intAut.ComeIntero(), 2);
+  Uscite p;
+  ASSERT_TRUE(Leggi("ACQ", p));
+  const std::pair<const Valore*, const char*> attesi[] = {
+      {&p.descr, "Fattura d'acquisto"}, {&p.registro, "2"}, {&p.tipo, "0"},          {&p.partite, "3"},
+      {&p.contabile, "1"},             {&p.intra, "2"},    {&p.serie, "%A/A"},      {&p.regProposto, "02"},
+      {&p.quadratura, "1"},            {&p.nonUsata, "1"}, {&p.insoluto, "1"},      {&p.cespiti, "4"},
+      {&p.regSemp, "2"},               {&p.numSemp, "03"}, {&p.rsm, "2810001"}};
+  for (const auto& [v, atteso] : attesi) EXPECT_EQ(*v, Valore(atteso)) << atteso;
+  EXPECT_EQ(p.pos.ComeIntero(), 3);
+  EXPECT_EQ(p.intAut.ComeIntero(), 2);
   for (int i = 1; i <= 10; ++i) {
-    EXPECT_EQ(dare[i], sd[i]);
-    EXPECT_EQ(avere[i], sa[i]);
+    EXPECT_EQ(p.dare[i], sd[i]);
+    EXPECT_EQ(p.avere[i], sa[i]);
   }
-  for (int i = 1; i <= 9; ++i) EXPECT_EQ(ammessi[i], Valore("60" + std::to_string(i) + "0001"));
+  for (int i = 1; i <= 9; ++i) EXPECT_EQ(p.ammessi[i], Valore("60" + std::to_string(i) + "0001"));
 
   // Saving the proposals left the other columns alone, and a later save of the data columns
   // leaves the proposals alone.
   Salva("ACQ", {{"DescrizioneCausale", Valore("Acquisti")}});
-  ASSERT_TRUE(causali.GetParametriCausale(Valore("ACQ"), descr, registro, tipo, partite, contabile, intra, serie,
-                                          regProposto, quadratura, dare, avere, ammessi, pos, nonUsata, insoluto,
-                                          cespiti, regSemp, numSemp, rsm, intAut));
-  EXPECT_EQ(descr, Valore("Acquisti"));
-  EXPECT_EQ(registro, Valore("2"));
-  EXPECT_EQ(dare[10], Valore("D10"));
-  EXPECT_EQ(avere[1], Valore("A1"));
+  ASSERT_TRUE(Leggi("ACQ", p));
+  EXPECT_EQ(p.descr, Valore("Acquisti"));
+  EXPECT_EQ(p.registro, Valore("2"));
+  EXPECT_EQ(p.dare[10], Valore("D10"));
+  EXPECT_EQ(p.avere[1], Valore("A1"));
 
   Valore r2, t2, p2, c2, i2, q2;
   ASSERT_TRUE(causali.GetParametriCausaleMovimentazione(Valore("ACQ"), r2, t2, p2, c2, i2, q2));
@@ -330,17 +323,13 @@ TEST_P(Causali, NullColumnsReadAsTheirDefaults) {
   ASSERT_TRUE(causali.SalvaRecordSottocontiProposti(Valore("NU"), sd, sa, Valore("prova"), 1, cancel));
   EXPECT_EQ(Descrizione("NU"), "<null>");
 
-  Valore descr, registro, tipo, partite, contabile, intra, serie, regProposto, quadratura, pos, nonUsata, insoluto,
-      cespiti, regSemp, numSemp, rsm, intAut;
-  Valore dare[11], avere[11], ammessi[10];
-  ASSERT_TRUE(causali.GetParametriCausale(Valore("NU"), descr, registro, tipo, partite, contabile, intra, serie,
-                                          regProposto, quadratura, dare, avere, ammessi, pos, nonUsata, insoluto,
-                                          cespiti, regSemp, numSemp, rsm, intAut));
-  EXPECT_EQ(regProposto, Valore("01"));
-  for (const Valore* v : {&registro, &partite, &contabile, &intra, &quadratura, &nonUsata, &insoluto, &cespiti,
-                          &regSemp, &intAut})
+  Uscite p;
+  ASSERT_TRUE(Leggi("NU", p));
+  EXPECT_EQ(p.regProposto, Valore("01"));
+  for (const Valore* v : {&p.registro, &p.partite, &p.contabile, &p.intra, &p.quadratura, &p.nonUsata, &p.insoluto,
+                          &p.cespiti, &p.regSemp, &p.intAut})
     EXPECT_EQ(*v, Valore("0"));
-  for (const Valore* v : {&descr, &tipo, &serie, &pos, &numSemp, &rsm}) EXPECT_EQ(*v, Valore(""));
+  for (const Valore* v : {&p.descr, &p.tipo, &p.serie, &p.pos, &p.numSemp, &p.rsm}) EXPECT_EQ(*v, Valore(""));
 
   Valore r("x"), t("x"), reg("x");
   ASSERT_TRUE(causali.GetParametriCausaleContabilizzazione(Valore("NU"), r, t, reg));
