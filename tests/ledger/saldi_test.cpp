@@ -281,45 +281,32 @@ TEST_P(SaldiContabiliScarico, ProgressivesOfTheUnload) {
   EXPECT_TRUE(i.Zero() && d.Zero() && a.Zero());
 }
 
-TEST_P(SaldiContabiliScarico, BlankStartJoinsTheUnloadAndTellsTheCaller) {
-  Valore da("");
-  Importo ip, dp, ap, iper, dper, aper;
-  Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("28/02/2013"), Valore("1501001"), ip, dp, ap, iper,
-                                                 dper, aper);
-  EXPECT_EQ(da, Valore("01/01/2013"));
-  EXPECT_EQ(ip, Imp("1000"));
-  EXPECT_EQ(dp, Imp("300"));
-  EXPECT_EQ(ap, Imp("120.5"));
-  EXPECT_EQ(dper, Imp("13"));
-  EXPECT_EQ(aper, Imp("4"));
-  EXPECT_EQ(totale, Imp("1188.5"));
-  // A start of the day after the unload joins it the same way.
-  Valore giornoDopo("01/01/2013");
-  EXPECT_EQ(saldi.GetSaldiADataSottoconto(prog, giornoDopo, Valore("28/02/2013"), Valore("1501001"), ip, dp, ap, iper,
-                                          dper, aper),
-            totale);
-  EXPECT_EQ(giornoDopo, Valore("01/01/2013"));
-}
-
-TEST_P(SaldiContabiliScarico, AStartThatIsNotTheDayAfterTheUnloadHasNoProgressives) {
-  Valore da("01/03/2013");
-  Importo ip = Imp("9"), dp = Imp("9"), ap = Imp("9"), iper, dper, aper;
-  Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("31/03/2013"), Valore("1501001"), ip, dp, ap, iper,
-                                                 dper, aper);
-  EXPECT_TRUE(ip.Zero() && dp.Zero() && ap.Zero());
-  EXPECT_EQ(iper, Imp("100"));
-  EXPECT_EQ(totale, Imp("100"));
-  EXPECT_EQ(da, Valore("01/03/2013"));
-}
-
-TEST_P(SaldiContabiliScarico, PeriodEndingBeforeItStartsKeepsTheProgressivesOnly) {
-  Valore da("01/01/2013");
-  Importo ip, dp, ap, iper = Imp("9"), dper = Imp("9"), aper = Imp("9");
-  Importo totale = saldi.GetSaldiADataSottoconto(prog, da, Valore("31/12/2012"), Valore("1501001"), ip, dp, ap, iper,
-                                                 dper, aper);
-  EXPECT_TRUE(iper.Zero() && dper.Zero() && aper.Zero());
-  EXPECT_EQ(ip, Imp("1000"));
-  EXPECT_EQ(totale, Imp("1179.5"));
+// The statement from a start: a blank start or the day after the unload joins the unload and
+// says so; a later start has no progressives; a period ending before it starts keeps them only.
+TEST_P(SaldiContabiliScarico, StatementFromAStartAndTheUnloadsProgressives) {
+  struct Caso {
+    const char *dal, *al, *daDopo, *ip, *dp, *ap, *iper, *dper, *aper, *totale;
+  };
+  const Caso casi[] = {
+      {"", "28/02/2013", "01/01/2013", "1000", "300", "120.5", "0", "13", "4", "1188.5"},
+      {"01/01/2013", "28/02/2013", "01/01/2013", "1000", "300", "120.5", "0", "13", "4", "1188.5"},
+      {"01/03/2013", "31/03/2013", "01/03/2013", "0", "0", "0", "100", "0", "0", "100"},
+      {"01/01/2013", "31/12/2012", "01/01/2013", "1000", "300", "120.5", "0", "0", "0", "1179.5"},
+  };
+  for (const Caso& c : casi) {
+    SCOPED_TRACE(std::string(c.dal) + " - " + c.al);
+    Valore da(c.dal);
+    Importo ip = Imp("9"), dp = Imp("9"), ap = Imp("9"), iper = Imp("9"), dper = Imp("9"), aper = Imp("9");
+    EXPECT_EQ(saldi.GetSaldiADataSottoconto(prog, da, Valore(c.al), Valore("1501001"), ip, dp, ap, iper, dper, aper),
+              Imp(c.totale));
+    EXPECT_EQ(da, Valore(c.daDopo));
+    EXPECT_EQ(T(ip), T(Imp(c.ip)));
+    EXPECT_EQ(T(dp), T(Imp(c.dp)));
+    EXPECT_EQ(T(ap), T(Imp(c.ap)));
+    EXPECT_EQ(T(iper), T(Imp(c.iper)));
+    EXPECT_EQ(T(dper), T(Imp(c.dper)));
+    EXPECT_EQ(T(aper), T(Imp(c.aper)));
+  }
 }
 
 TEST_P(SaldiContabiliScarico, PartnerBalanceReadsOnlyItsRowsAndItsProgressives) {
