@@ -14,6 +14,7 @@
 #include "masterdata/clsClientiFornitori.h"
 #include "masterdata/clsCodiciIva.h"
 #include "masterdata/clsNazioni.h"
+#include "masterdata/clsZone.h"
 
 using namespace vorn;
 
@@ -40,6 +41,7 @@ TEST(ConnessioneClasse, EveryClassWithoutItsConnectionGivesTheSameClearError) {
   clsStampaMastrini stampa;
   clsClientiFornitori clienti;
   clsNazioni nazioni;
+  clsZone zone;
   Valore codice("22");
   EXPECT_EQ(Errore([&] { iva.GetAliquotaIva(codice); }), atteso);
   EXPECT_EQ(Errore([&] { iva.RecordSuccessivo(codice); }), atteso);
@@ -55,6 +57,7 @@ TEST(ConnessioneClasse, EveryClassWithoutItsConnectionGivesTheSameClearError) {
   EXPECT_EQ(Errore([&] { stampa.GetRagioneSocialeCliFor(Valore("C"), Valore("000001")); }), atteso);
   EXPECT_EQ(Errore([&] { clienti.GetSottocontoCliFor(Valore("C"), Valore("000001")); }), atteso);
   EXPECT_EQ(Errore([&] { nazioni.ExistCodice(Valore("IT")); }), atteso);
+  EXPECT_EQ(Errore([&] { zone.RecordSuccessivo(codice); }), atteso);
   // A connection handed from one class to another travels with it, also when it is none.
   clsSaldiContabili altri;
   altri.cn = saldi.cn;

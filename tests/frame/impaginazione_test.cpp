@@ -64,12 +64,6 @@ TEST_F(Impaginazione, PageBreakInTheMiddleAndBlankFiller) {
   // 14 rows: head of 9, three body rows, foot of 2.
   Corpo(Corpo(5));
   ImpaginaFile(ingresso, uscita, 14, testata, piede);
-  auto r = Righe();
-  ASSERT_EQ(r.size(), 28u);
-  EXPECT_EQ(r[11], "riga 3");
-  EXPECT_EQ(r[12], "p1 ---");
-  EXPECT_EQ(r[16], "DITTA PROVA S.R.L.");  // the second head
-  EXPECT_EQ(r[25], "");                    // filler
   vorn::test::ConfrontaGolden("frame/golden/impagina_file.txt", Uscita());
 }
 
@@ -86,10 +80,6 @@ TEST_F(Impaginazione, LastPageEndingAtTheUsableRowsHasNoFillerNorAsterisks) {
 TEST_F(Impaginazione, AsteriskDiagonalEndsAtColumn131) {
   Corpo({"Attività ordinaria", "riga 2"});
   ImpaginaFile(ingresso, uscita, 14, testata, piede, true);
-  auto r = Righe();
-  ASSERT_EQ(r.size(), 14u);
-  EXPECT_EQ(r[11], std::string(130, ' ') + "*");
-  EXPECT_EQ(LunghezzaTesto(r[11]), 131u);
   vorn::test::ConfrontaGolden("frame/golden/impagina_asterischi.txt", Uscita());
 }
 
@@ -135,18 +125,13 @@ TEST_F(Impaginazione, AziendaStampsEachPageAndCountsOnlyFilledLines) {
   Corpo(Corpo(6, "movimento "));
   // 10 rows: foot of 1 counted line, head of 1 + 4 lines, 4 body rows a page.
   ImpaginaFileAzienda(ingresso, uscita, 10, t, p, 2);
-  auto r = Righe();
-  ASSERT_EQ(r.size(), 20u);
-  EXPECT_EQ(r[2], std::string(26, '=') + "Pag:     1 ===");
-  EXPECT_EQ(r[12], std::string(26, '=') + "Pag:     2 ===");
-  EXPECT_EQ(r[9], "--- segue ---");
   EXPECT_EQ(G().ContatorePagina, Valore(2));
   vorn::test::ConfrontaGolden("frame/golden/impagina_azienda.txt", Uscita());
 
   // The asterisk closer uses the foot's own count.
   Corpo(Corpo(1, "movimento "));
   ImpaginaFileAzienda(ingresso, uscita, 10, t, p, 2, true);
-  r = Righe();
+  auto r = Righe();
   ASSERT_EQ(r.size(), 10u);
   EXPECT_EQ(r[6], std::string(128, ' ') + "*");
   EXPECT_EQ(r[8], std::string(130, ' ') + "*");
@@ -172,14 +157,6 @@ TEST_F(Impaginazione, SempliceOverwritesRowsAndNumbersPages) {
   Valore numero(41);
   ImpaginaSemplice(ingresso, uscita, 5, 2, "INTESTAZIONE", 6, "CHIUSURA", 3, " 2025 ", numero);
   EXPECT_EQ(numero, Valore(43));
-  auto r = Righe();
-  ASSERT_EQ(r.size(), 7u);
-  EXPECT_EQ(r[0], "INTESTAZIONE");
-  EXPECT_EQ(r[1], PadSinistra(Valore("Attività due"), 120) + "    2025/41");
-  EXPECT_EQ(LunghezzaTesto(r[1]), 131u);
-  EXPECT_EQ(r[4], "CHIUSURA");
-  EXPECT_EQ(r[5], "INTESTAZIONE");
-  EXPECT_EQ(r[6], std::string("sette") + std::string(115, ' ') + "    2025/42");
   vorn::test::ConfrontaGolden("frame/golden/impagina_semplice.txt", Uscita());
 }
 
