@@ -92,46 +92,10 @@ TEST_P(CodiciIva, PrintPagesTheCodesUnderTheCompanyHead) {
   std::string testo = vorn::test::LeggiFile(uscita);
   vorn::test::ConfrontaGolden("masterdata/golden/stampa_codici_iva.txt", testo);
 
-  // Twelve lines a page: one empty line, six of head, four codes, one foot line.
-  auto righe = Linee(testo);
-  ASSERT_EQ(righe.size(), 24u);
-  EXPECT_EQ(righe[0], "");
-  EXPECT_EQ(righe[1], "DITTA : Rossi & Figli S.r.l. Via Garibaldi 12 20121 Milano (MI P.IVA : 01234567890");
-  EXPECT_EQ(righe[3], "===" + std::string(35, ' ') + "S T A M P A   C O D I C I  I V A" +
-                          "Data: 15/03/24    Pag:     1 ===");
-  EXPECT_EQ(righe[15], "===" + std::string(35, ' ') + "S T A M P A   C O D I C I  I V A" +
-                           "Data: 15/03/24    Pag:     2 ===");
-  EXPECT_EQ(righe[2], std::string(131, '='));
-  EXPECT_EQ(righe[6], std::string(131, '-'));
-  const std::string piede =
-      "****************** STAMPA ELABORATA PRESSO : Studio Bianchi P. IVA: 09876543210  ************************";
-  EXPECT_EQ(righe[11], piede);
-  EXPECT_EQ(righe[23], piede);
-  // The second page holds the last two codes and two empty lines before its foot.
-  EXPECT_EQ(righe[21], "");
-  EXPECT_EQ(righe[22], "");
-
-  // One body line, column by column (character positions, 0-based).
-  const std::string& e10 = righe[9];
-  ASSERT_EQ(LunghezzaTesto(e10), 132u);
-  auto col = [&](const std::string& r, size_t da, size_t n) { return MedioTesto(r, da + 1, n); };
-  EXPECT_EQ(col(e10, 0, 6), "E10   ");
-  EXPECT_EQ(col(e10, 6, 21), "Esente art.10 attivi ");  // cut to 20 characters, not bytes
-  EXPECT_EQ(col(e10, 27, 9), "    0,00 ");
-  EXPECT_EQ(col(e10, 36, 11), "      0,00 ");
-  EXPECT_EQ(col(e10, 47, 7), "    No ");
-  EXPECT_EQ(col(e10, 54, 7), "    Si ");
-  EXPECT_EQ(col(e10, 61, 10), "     No   ");
-  EXPECT_EQ(col(e10, 71, 10), "    Si    ");
-  EXPECT_EQ(col(e10, 81, 26), PadSinistra(Valore("Esente"), 25) + " ");
-  EXPECT_EQ(col(e10, 107, 25), PadSinistra(Valore("Operazione esente"), 25));
-  // The rate of 5,5 and the percentage of 100 keep their decimals.
-  const std::string& fc = righe[10];
-  EXPECT_EQ(col(fc, 27, 8), "    5,50");
-  EXPECT_EQ(col(fc, 36, 10), "    100,00");
-  EXPECT_EQ(col(fc, 61, 7), "     Si");
-  // A class value outside the list prints no label.
-  EXPECT_EQ(col(righe[20], 81, 51), std::string(25, ' ') + " " + "Non definito" + std::string(13, ' '));
+  // Twelve lines a page: one empty line, six of head, four codes, one foot line; the golden file
+  // pins every column (descriptions cut to 20 characters, not bytes; 5,50 and 100,00 with their
+  // decimals; a class outside the list printing no label).
+  EXPECT_EQ(Linee(testo).size(), 24u);
 }
 
 TEST_P(CodiciIva, CompanyLineLeavesOutBlankParts) {
@@ -173,18 +137,13 @@ TEST_P(CodiciIva, ElectronicInvoiceGettersReadNineHundredAsZeroHundred) {
                 {"Flag Split Payment fattura PA", Valore("0")},
                 {"Flag Reverse Charge", Valore("0")}});
 
-  Valore c("905");
-  EXPECT_EQ(iva.GetNaturaIVAFatturaPA(c), 9);
-  EXPECT_EQ(c, Valore("005"));  // the caller's variable holds the normalised code
-  c = Valore("905");
-  EXPECT_EQ(iva.GetFlagSplitPayment(c), "1");
-  EXPECT_EQ(c, Valore("005"));
-  c = Valore("905");
-  EXPECT_TRUE(iva.IsReverseCharge(c));
-  EXPECT_EQ(c, Valore("005"));
-  c = Valore("805");
-  EXPECT_TRUE(iva.IsNaturaIvaN2(c));
-  EXPECT_EQ(c, Valore("005"));
+  // The caller's variable comes back holding the normalised code.
+  Valore c1("905"), c2("905"), c3("905"), c4("805");
+  EXPECT_EQ(iva.GetNaturaIVAFatturaPA(c1), 9);
+  EXPECT_EQ(iva.GetFlagSplitPayment(c2), "1");
+  EXPECT_TRUE(iva.IsReverseCharge(c3));
+  EXPECT_TRUE(iva.IsNaturaIvaN2(c4));
+  for (const Valore* c : {&c1, &c2, &c3, &c4}) EXPECT_EQ(*c, Valore("005"));
 
   // The other getters read "905" as it is.
   Valore literal("905");
@@ -199,7 +158,7 @@ TEST_P(CodiciIva, ElectronicInvoiceGettersReadNineHundredAsZeroHundred) {
   EXPECT_EQ(literal, Valore("905"));
 
   // Two characters are not normalised; neither is a code with another first character.
-  c = Valore("05");
+  Valore c("05");
   EXPECT_EQ(iva.GetNaturaIVAFatturaPA(c), 0);
   EXPECT_EQ(c, Valore("05"));
   c = Valore("105");
