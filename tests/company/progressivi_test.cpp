@@ -42,6 +42,25 @@ class Progressivi : public AziendaTest {
   int64_t Righe(const std::string& tabella, const std::string& where = {}) {
     return Intero(cn->Scalare("SELECT COUNT(*) FROM [" + tabella + "]" + (where.empty() ? "" : " WHERE " + where)));
   }
+  // The VAT settlement progressives in the getter's order, amounts at their shortest, outputs
+  // preset to "x"; false when there is no row.
+  bool Liquidazione(std::string& testo) {
+    Valore v[9];
+    for (auto& x : v) x = Valore("x");
+    bool trovata = Prog().GetProgressiviLiquidazioneIva(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]);
+    testo.clear();
+    for (int i = 0; i < 9; ++i)
+      testo += (i ? "|" : "") + (i != 2 ? NullToZeroCy(v[i]).TestoPunto() : v[i].IsNull() ? "NULL" : v[i].Testo());
+    return trovata;
+  }
+  // The journal book's progressives: last print|row|debit|credit; false when there is no row.
+  bool Giornale(std::string& testo) {
+    Valore data("x"), riga("x"), dare("x"), avere("x");
+    bool trovata = Prog().GetProgressiviLibroGiornale(data, riga, dare, avere);
+    testo = (data.IsNull() ? "NULL" : data.Testo()) + "|" + std::to_string(Intero(riga)) + "|" +
+            NullToZeroCy(dare).TestoPunto() + "|" + NullToZeroCy(avere).TestoPunto();
+    return trovata;
+  }
   // The one row of the progressives, read afresh.
   Recordset RigaProgressivi() { return cn->Execute("SELECT * FROM [Progressivi Azienda Vorn]"); }
 
@@ -162,18 +181,13 @@ TEST_P(Progressivi, SalvaRecordRispostaNoNonScrive) {
 
 TEST_P(Progressivi, TabellaVuotaDaIValoriPredefiniti) {
   auto p = Prog();
-  Valore data("x"), riga("x"), dare("x"), avere("x");
-  EXPECT_FALSE(p.GetProgressiviLibroGiornale(data, riga, dare, avere));
-  EXPECT_EQ(data, Valore(""));
-  EXPECT_EQ(Intero(riga), 0);
-  EXPECT_EQ(NullToZeroCy(dare), Importo());
-  EXPECT_EQ(NullToZeroCy(avere), Importo());
+  std::string giornale;
+  EXPECT_FALSE(Giornale(giornale));
+  EXPECT_EQ(giornale, "|0|0|0");
 
-  Valore v[9];
-  for (auto& x : v) x = Valore("x");
-  EXPECT_FALSE(p.GetProgressiviLiquidazioneIva(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]));
-  EXPECT_EQ(v[2], Valore(""));
-  for (int i : {0, 1, 3, 4, 5, 6, 7, 8}) EXPECT_EQ(NullToZeroCy(v[i]), Importo()) << i;
+  std::string liq;
+  EXPECT_FALSE(Liquidazione(liq));
+  EXPECT_EQ(liq, "0|0||0|0|0|0|0|0");
 
   Valore a("x"), b("x"), c("x");
   EXPECT_FALSE(p.GetProgressiviPrimaNota(a, b, c));
@@ -239,21 +253,15 @@ TEST_P(Progressivi, LibroGiornaleAzzeratoTieneLaDataDellUltimaStampa) {
   auto p = Prog();
   ASSERT_TRUE(p.AggiornaProgressiviLibroGiornale(Valore(D(31, 12, 2024)), 4321, Valore(Imp("98765432.1234")),
                                                  Valore(Imp("98765432.1299")), "PC1", 1));
-  Valore data, riga, dare, avere;
-  ASSERT_TRUE(p.GetProgressiviLibroGiornale(data, riga, dare, avere));
-  EXPECT_EQ(data, Valore(D(31, 12, 2024)));
-  EXPECT_EQ(Intero(riga), 4321);
-  EXPECT_EQ(NullToZeroCy(dare), Imp("98765432.1234"));
-  EXPECT_EQ(NullToZeroCy(avere), Imp("98765432.1299"));
+  std::string giornale;
+  ASSERT_TRUE(Giornale(giornale));
+  EXPECT_EQ(giornale, "31/12/2024|4321|98765432.1234|98765432.1299");
   ASSERT_TRUE(p.AggiornaDataAperturaBilancio(Valore(D(1, 1, 2024)), "PC1", 1));
 
   ASSERT_TRUE(p.AzzeraProgressiviLibroGiornale());
-  ASSERT_TRUE(p.GetProgressiviLibroGiornale(data, riga, dare, avere));
-  EXPECT_EQ(data, Valore(D(31, 12, 2024)));
+  ASSERT_TRUE(Giornale(giornale));
+  EXPECT_EQ(giornale, "31/12/2024|0|0|0");
   EXPECT_EQ(p.GetDataUltimaStampaGiornale(), Valore(D(31, 12, 2024)));
-  EXPECT_EQ(Intero(riga), 0);
-  EXPECT_EQ(NullToZeroCy(dare), Importo());
-  EXPECT_EQ(NullToZeroCy(avere), Importo());
   EXPECT_EQ(p.GetDataAperturaBilancio(), Valore(D(1, 1, 2024))) << "other columns stay";
 }
 
@@ -264,31 +272,19 @@ TEST_P(Progressivi, LiquidazioneIvaScritturaELettura) {
                                                           Valore(Imp("10.01")), "PC1", 1));
   ASSERT_TRUE(p.AggiornaProgressiviLiquidazioneIva("31/03/2025", Valore(Imp("45000.3333")), Valore(Imp("-0.01")),
                                                    Valore(Imp("20.02")), Valore(Imp("777.7")), "PC1", 1));
-  Valore debito, acconto, ultima, credito, creditoUt, perPrec, plafondIni, plafondRes, totImp;
-  ASSERT_TRUE(p.GetProgressiviLiquidazioneIva(debito, acconto, ultima, credito, creditoUt, perPrec, plafondIni,
-                                              plafondRes, totImp));
-  EXPECT_EQ(NullToZeroCy(debito), Imp("1500.55"));
-  EXPECT_EQ(NullToZeroCy(acconto), Imp("1200.1"));
-  EXPECT_EQ(ultima, Valore(D(31, 3, 2025)));
-  EXPECT_EQ(NullToZeroCy(credito), Imp("3000"));
-  EXPECT_EQ(NullToZeroCy(creditoUt), Imp("20.02")) << "the last update wins";
-  EXPECT_EQ(NullToZeroCy(perPrec), Imp("-0.01"));
-  EXPECT_EQ(NullToZeroCy(plafondIni), Importo()) << "never written: 0";
-  EXPECT_EQ(NullToZeroCy(plafondRes), Imp("45000.3333"));
-  EXPECT_EQ(NullToZeroCy(totImp), Imp("777.7"));
+  // Credit used: the last update wins; the initial plafond, never written, is 0.
+  std::string liq;
+  ASSERT_TRUE(Liquidazione(liq));
+  EXPECT_EQ(liq, "1500.55|1200.1|31/03/2025|3000|20.02|-0.01|0|45000.3333|777.7");
 
   // Each reset touches its own columns only.
   ASSERT_TRUE(p.AzzeraProgressiviLiquidazione());
   ASSERT_TRUE(p.AzzeraUltimaLiquidazioneIva());
-  ASSERT_TRUE(p.GetProgressiviLiquidazioneIva(debito, acconto, ultima, credito, creditoUt, perPrec, plafondIni,
-                                              plafondRes, totImp));
-  EXPECT_EQ(NullToZeroCy(totImp), Importo());
-  EXPECT_EQ(NullToZeroCy(creditoUt), Importo());
-  EXPECT_EQ(ultima, Valore(""));
-  EXPECT_EQ(NullToZeroCy(plafondRes), Imp("45000.3333"));
+  ASSERT_TRUE(Liquidazione(liq));
+  EXPECT_EQ(liq, "1500.55|1200.1||3000|0|-0.01|0|45000.3333|0");
   ASSERT_TRUE(p.AzzeraProgressiviPlafond());
-  EXPECT_EQ(NullToZeroCy(RigaProgressivi()("PlafondIvaResiduo")), Importo());
-  EXPECT_EQ(NullToZeroCy(RigaProgressivi()("DebitoIvaAnnoPrec")), Imp("1500.55"));
+  ASSERT_TRUE(Liquidazione(liq));
+  EXPECT_EQ(liq, "1500.55|1200.1||3000|0|-0.01|0|0|0");
 }
 
 TEST_P(Progressivi, AzzeraProgressiviAziendaLasciaValiditaECespiti) {
@@ -366,10 +362,13 @@ TEST_P(Progressivi, PrimaStampaDellAnnoPropostaERiga) {
   DatiAzienda("0");
   auto f = Fogli();
   Valore azienda, piva, descrizione, indirizzo, sede, daNumero;
-  EXPECT_FALSE(f.GetDatiNumerazioneAutomatica("G", "", "", 2025, "", azienda, piva, descrizione, indirizzo, sede,
-                                              daNumero, "PC1", 1));
-  EXPECT_EQ(daNumero.Testo(), "1");
-  EXPECT_EQ(descrizione.Testo(), "LIBRO GIORNALE");
+  // Whether the book's row was found, the first sheet, the title.
+  auto dati = [&](const char* stampa, const char* registro, const char* numero, const Valore& anno) {
+    bool trovata = f.GetDatiNumerazioneAutomatica(stampa, registro, numero, anno, "", azienda, piva, descrizione,
+                                                  indirizzo, sede, daNumero, "PC1", 1);
+    return std::string(trovata ? "riga " : "nuova ") + daNumero.Testo() + " " + descrizione.Testo();
+  };
+  EXPECT_EQ(dati("G", "", "", 2025), "nuova 1 LIBRO GIORNALE");
   EXPECT_EQ(azienda.Testo(), "Rossi & C. dell'Adige S.r.l.");
   EXPECT_EQ(piva.Testo(), "01234567890");
   EXPECT_EQ(sede.Testo(), "0");
@@ -385,26 +384,16 @@ TEST_P(Progressivi, PrimaStampaDellAnnoPropostaERiga) {
   EXPECT_EQ(rs("Indirizzo").Value().Testo(), "Corso Milano 5 20100 Milano MI");
 
   // The next print starts from the row; the year as text finds the same row.
-  EXPECT_TRUE(f.GetDatiNumerazioneAutomatica("G", "", "", "2025", "", azienda, piva, descrizione, indirizzo, sede,
-                                             daNumero, "PC1", 1));
-  EXPECT_EQ(Intero(daNumero), 15);
-  EXPECT_EQ(descrizione.Testo(), "LIBRO GIORNALE");
+  EXPECT_EQ(dati("G", "", "", "2025"), "riga 15 LIBRO GIORNALE");
   // A second save changes the number only, not the lines the user may have edited.
   cn->Esegui("UPDATE [Numerazione Fogli] SET [Descrizione] = 'GIORNALE 2025'");
   ASSERT_TRUE(f.SalvaUltimoNumero("G", "", "", 2025, "", 31, "PC1", 1));
-  EXPECT_TRUE(f.GetDatiNumerazioneAutomatica("G", "", "", 2025, "", azienda, piva, descrizione, indirizzo, sede,
-                                             daNumero, "PC1", 1));
-  EXPECT_EQ(Intero(daNumero), 31);
-  EXPECT_EQ(descrizione.Testo(), "GIORNALE 2025");
+  EXPECT_EQ(dati("G", "", "", 2025), "riga 31 GIORNALE 2025");
   EXPECT_EQ(Righe("Numerazione Fogli"), 1);
 
   // Another year, another register: a first print again.
-  EXPECT_FALSE(f.GetDatiNumerazioneAutomatica("G", "", "", 2026, "", azienda, piva, descrizione, indirizzo, sede,
-                                              daNumero, "PC1", 1));
-  EXPECT_EQ(daNumero.Testo(), "1");
-  EXPECT_FALSE(f.GetDatiNumerazioneAutomatica("R", "A", "01", 2025, "", azienda, piva, descrizione, indirizzo, sede,
-                                              daNumero, "PC1", 1));
-  EXPECT_EQ(descrizione.Testo(), "REGISTRO IVA ACQUISTI");
+  EXPECT_EQ(dati("G", "", "", 2026), "nuova 1 LIBRO GIORNALE");
+  EXPECT_EQ(dati("R", "A", "01", 2025), "nuova 1 REGISTRO IVA ACQUISTI");
 
   // No book named: nothing saved.
   EXPECT_FALSE(f.SalvaUltimoNumero("", "V", "01", 2025, "", 3, "PC1", 1));
