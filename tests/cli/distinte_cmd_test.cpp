@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
 #include "ledger/VerificaSaldi.h"
@@ -81,7 +80,6 @@ TEST_P(ComandoDistinte, ModelReferencesAreComplete) {
 }
 
 TEST_P(ComandoDistinte, AListIsMadeShownAndPostedOnce) {
-  EXPECT_EQ(0, Vorn("distinte", {"--help"}).rc);
   // Bad options: usage errors, nothing written.
   EXPECT_EQ(2, Vorn("distinte", {"--crea"}).rc);
   EXPECT_EQ(2, Vorn("distinte", {"--crea", "--scadenza-al", "31/13/2026"}).rc);

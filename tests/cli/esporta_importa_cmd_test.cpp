@@ -2,11 +2,9 @@
 // import into an archive with rows answered by --no (nothing written) and by --si.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "support/Azienda.h"
 
 using namespace vorn;
@@ -54,9 +52,6 @@ TEST_P(ComandiEsportaImporta, ExportsTheArchivesNamedAndImportsOnlyWhenTheUserAg
   EXPECT_EQ(r.rc, 1);
   EXPECT_NE(r.err.find("Impossibile trovare il file " + cartella + "/causali.txt."), std::string::npos) << r.err;
   EXPECT_EQ(Vorn("", "importa", {cartella, "--archivi", "magazzino"}).rc, 2);
-  r = EseguiVorn({"esporta", "--help"});
-  EXPECT_EQ(r.rc, 0);
-  EXPECT_NE(r.out.find("Uso: vorn esporta FILE CARTELLA [--archivi NOME,...]"), std::string::npos);
 }
 
 VORN_SU_DUE_MOTORI(ComandiEsportaImporta);

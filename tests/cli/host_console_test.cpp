@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <iterator>
 #include <sstream>
 
+#include "ComandoAzienda.h"
 #include "cli/Comandi.h"
 #include "cli/HostConsole.h"
 #include "frame/Versione.h"
 
 using namespace vorn;
+using namespace vorn::test;
 
 namespace {
 std::string Leggi(std::FILE* f) {
@@ -85,4 +88,27 @@ TEST(Comando, HelpVersionAndUnknownCommand) {
   EXPECT_EQ(cli::Esegui({"nessuno"}, out, err), 2);
   EXPECT_NE(Leggi(err).find("comando sconosciuto: nessuno"), std::string::npos);
   std::fclose(err);
+}
+
+// Every registered command answers --help with its summary and its usage, exit 0, touching no
+// company. Below, the usage lines that users are told to type.
+TEST(Comando, EveryCommandTellsItsUsage) {
+  for (const auto& [nome, c] : cli::Registro()) {
+    std::istringstream parole(nome + " --help");  // "stampa mastrini": two words
+    std::vector<std::string> a{std::istream_iterator<std::string>(parole), {}};
+    EsitoComando r = EseguiVorn(a);
+    EXPECT_EQ(r.rc, 0) << nome << ": " << r.err;
+    EXPECT_EQ(r.out.rfind("vorn " + nome + ": ", 0), 0u) << r.out;
+    EXPECT_NE(r.out.find("Uso: vorn "), std::string::npos) << r.out;
+  }
+  for (auto [comando, uso] : std::vector<std::pair<std::vector<std::string>, const char*>>{
+           {{"crea-azienda", "--help"}, "Uso: vorn crea-azienda FILE [--modello standard|semplificato]"},
+           {{"crea-azienda", "--help"}, "--pg-database"},
+           {{"azienda", "--help"}, "Uso: vorn azienda FILE"},
+           {{"esporta", "--help"}, "Uso: vorn esporta FILE CARTELLA [--archivi NOME,...]"},
+           {{"spesometro", "--help"}, "Uso: vorn spesometro FILE --anno AAAA"}}) {
+    EsitoComando r = EseguiVorn(comando);
+    EXPECT_EQ(r.rc, 0) << comando[0];
+    EXPECT_NE(r.out.find(uso), std::string::npos) << r.out;
+  }
 }
