@@ -26,9 +26,7 @@ class ComandoAccontoIva : public AziendaTest {
       cn->Esegui("UPDATE [Progressivi Azienda Vorn] SET [ImpIVACalcoloAcconto] = 1234.56");
   }
   EsitoComando Vorn(const std::string& comando, const std::vector<std::string>& opzioni) {
-    auto argv = RigaComando(dir->Percorso(), comando, Pg(), file, pg);
-    argv.insert(argv.end(), opzioni.begin(), opzioni.end());
-    return EseguiVorn(argv);
+    return EseguiVorn(RigaComando(dir->Percorso(), comando, Pg(), file, pg, opzioni));
   }
   Importo Acconto() {
     return NullToZeroCy(

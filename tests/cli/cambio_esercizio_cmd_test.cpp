@@ -37,9 +37,7 @@ class ComandoCambioEsercizio : public AziendaTest {
     }
   }
   EsitoComando Vorn(const std::string& comando, const std::vector<std::string>& opzioni) {
-    auto argv = RigaComando(dir->Percorso(), comando, Pg(), file, pg);
-    argv.insert(argv.end(), opzioni.begin(), opzioni.end());
-    return EseguiVorn(argv);
+    return EseguiVorn(RigaComando(dir->Percorso(), comando, Pg(), file, pg, opzioni));
   }
 };
 

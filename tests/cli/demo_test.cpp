@@ -2,10 +2,8 @@
 // whose debit and credit meet, the same books for the same --seme on both engines.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <map>
-#include <sstream>
 
 #include "cli/Comandi.h"
 #include "cli/Demo.h"
@@ -69,11 +67,15 @@ std::string Impronta(Connessione& cn) {
   return s;
 }
 
-std::shared_ptr<Connessione> AziendaSqlite(const std::string& file) {
+// The journal of the demo with `seme` on a new SQLite company of the standard model.
+std::string ImprontaDemoSqlite(const std::string& file, uint64_t seme) {
   OpzioniSqlite o;
   o.crea = true;
   auto cn = Connessione::ApriSqlite(file, o);
-  return cn;
+  CreaSchema(*cn);
+  CaricaModello(*cn, "standard");
+  cli::RiempiAziendaDemo(*cn, Piccola(seme));
+  return Impronta(*cn);
 }
 
 }  // namespace
@@ -141,14 +143,12 @@ TEST_P(AziendaDemo, TheBooksAreThoseOfARealYear) {
   };
   // The December settlement closes every VAT account of the year into the treasury's account.
   for (const char* c : {"1401001", "0601001", "0601002", "1401006"}) EXPECT_TRUE(saldo(c).Zero()) << c;
-  EXPECT_LE(cn->Scalare("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota] WHERE [CodiceCausale] = 'LIQ'")
-                .ComeIntero()
-                .value_or(0),
-            12);
-  EXPECT_GE(cn->Scalare("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota] WHERE [CodiceCausale] = 'LIQ'")
-                .ComeIntero()
-                .value_or(0),
-            11);
+  const auto liquidazioni =
+      cn->Scalare("SELECT COUNT(DISTINCT [NumeroRegistrazione]) FROM [Prima Nota] WHERE [CodiceCausale] = 'LIQ'")
+          .ComeIntero()
+          .value_or(0);
+  EXPECT_GE(liquidazioni, 11);
+  EXPECT_LE(liquidazioni, 12);
   // The opening moves the opening balance only: bank and cash start the year with it.
   auto apertura = cn->Execute(
       "SELECT [SaldoInizialePeriodo] FROM [Saldi Piano Dei Conti] WHERE [CodiceGruppo] = '07' AND "
@@ -273,17 +273,9 @@ TEST_P(AziendaDemo, TheStartingNumberDecidesTheBooks) {
   cli::RiempiAziendaDemo(*cn, Piccola(7));
   std::string qui = Impronta(*cn);
   // The same --seme on an SQLite company of its own: the same rows, whatever the engine here.
-  auto altra = AziendaSqlite(dir->Percorso() + "/altra.db");
-  CreaSchema(*altra);
-  CaricaModello(*altra, "standard");
-  cli::RiempiAziendaDemo(*altra, Piccola(7));
-  EXPECT_EQ(Impronta(*altra), qui);
+  EXPECT_EQ(ImprontaDemoSqlite(dir->Percorso() + "/altra.db", 7), qui);
   // Another --seme, other books.
-  auto terza = AziendaSqlite(dir->Percorso() + "/terza.db");
-  CreaSchema(*terza);
-  CaricaModello(*terza, "standard");
-  cli::RiempiAziendaDemo(*terza, Piccola(8));
-  EXPECT_NE(Impronta(*terza), qui);
+  EXPECT_NE(ImprontaDemoSqlite(dir->Percorso() + "/terza.db", 8), qui);
 }
 
 VORN_SU_DUE_MOTORI(AziendaDemo);
@@ -308,13 +300,10 @@ TEST(BilancioVerifica, ColumnsAndTotals) {
 TEST(ComandoDemo, WritesTheCompanyTheTrialBalanceAndTheReport) {
   CartellaProva dir;
   std::string demo = dir.Percorso() + "/demo";
-  std::ostringstream out;
-  std::FILE* err = std::tmpfile();
-  int rc = cli::Esegui({"--cartella", dir.Percorso() + "/app", "demo", demo, "--registrazioni", "150", "--clienti", "5",
-                        "--fornitori", "4", "--seme", "3"},
-                       out, err);
-  ASSERT_EQ(rc, 0);
-  const std::string o = out.str();
+  EsitoComando r = EseguiVorn({"--cartella", dir.Percorso() + "/app", "demo", demo, "--registrazioni", "150",
+                               "--clienti", "5", "--fornitori", "4", "--seme", "3"});
+  ASSERT_EQ(r.rc, 0) << r.err;
+  const std::string& o = r.out;
   EXPECT_TRUE(std::filesystem::exists(demo + "/azienda.db"));
   // The totals line: debit equal to credit, a zero balance.
   auto t = o.find("           Totali ");
@@ -334,17 +323,12 @@ TEST(ComandoDemo, WritesTheCompanyTheTrialBalanceAndTheReport) {
 
   // Again on the same folder: the company there is left alone.
   auto prima = std::filesystem::file_size(demo + "/azienda.db");
-  std::ostringstream out2;
-  std::FILE* err2 = std::tmpfile();
-  EXPECT_EQ(cli::Esegui({"--cartella", dir.Percorso() + "/app", "demo", demo}, out2, err2), 1);
+  EXPECT_EQ(EseguiVorn({"--cartella", dir.Percorso() + "/app", "demo", demo}).rc, 1);
   EXPECT_EQ(std::filesystem::file_size(demo + "/azienda.db"), prima);
-  std::fclose(err2);
   // Sizes must be whole positive numbers.
-  std::ostringstream out3;
-  EXPECT_EQ(cli::Esegui({"demo", dir.Percorso() + "/x", "--registrazioni", "0"}, out3, err), 2);
-  EXPECT_EQ(cli::Esegui({"demo", dir.Percorso() + "/x", "--clienti", "tre"}, out3, err), 2);
+  EXPECT_EQ(EseguiVorn({"demo", dir.Percorso() + "/x", "--registrazioni", "0"}).rc, 2);
+  EXPECT_EQ(EseguiVorn({"demo", dir.Percorso() + "/x", "--clienti", "tre"}).rc, 2);
   EXPECT_FALSE(std::filesystem::exists(dir.Percorso() + "/x/azienda.db"));
-  std::fclose(err);
 }
 
 // The same starting number on the server engine: a new database of its own, the same trial balance.

@@ -2,15 +2,12 @@
 // fails does, two prints at once, a company left as it was by the commands that only read.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "ComandoAzienda.h"
 #include "Processi.h"
-#include "cli/Comandi.h"
 #include "ledger/PrimaNotaBase.h"
 #include "support/DocumentiIva.h"
 
@@ -45,18 +42,10 @@ class ComandiStampe : public PrimaNotaBase {
   }
   int Vorn(const std::vector<std::string>& comando, const std::vector<std::string>& resto, std::string* err = nullptr,
            std::string* out = nullptr) {
-    std::ostringstream o;
-    std::FILE* e = std::tmpfile();
-    int rc = cli::Esegui(Riga_(comando, resto), o, e);
-    std::rewind(e);
-    std::string testo;
-    char buf[4096];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, e)) > 0) testo.append(buf, n);
-    std::fclose(e);
-    if (err) *err = testo;
-    if (out) *out = o.str();
-    return rc;
+    EsitoComando r = EseguiVorn(Riga_(comando, resto));
+    if (err) *err = r.err;
+    if (out) *out = r.out;
+    return r.rc;
   }
   int StampaIva(const std::string& uscita, std::string* err = nullptr, std::vector<std::string> altro = {}) {
     altro.insert(altro.begin(), uscita);
