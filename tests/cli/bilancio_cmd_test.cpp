@@ -2,11 +2,6 @@
 // the usage errors.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sstream>
-
-#include "cli/Comandi.h"
-#include "frame/FileVorn.h"
 #include "support/Azienda.h"
 #include "ComandoAzienda.h"
 

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sstream>
 #include <string>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "frame/Globali.h"
 #include "ledger/clsCausaliContabili.h"
 #include "masterdata/clsCodiciIva.h"

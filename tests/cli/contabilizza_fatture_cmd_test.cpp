@@ -3,15 +3,11 @@
 // run posts nothing.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sstream>
 #include <string>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
-#include "frame/Globali.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsPrimaNota.h"
 #include "receivables/clsElaboraFatture.h"

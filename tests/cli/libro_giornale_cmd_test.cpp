@@ -2,15 +2,10 @@
 // trial that leaves the books as they were, a definitive print and the month printed again.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
-#include <sstream>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "frame/Comuni.h"
-#include "frame/Formato.h"
-#include "frame/Globali.h"
 #include "ledger/clsPrimaNota.h"
 #include "support/Azienda.h"
 

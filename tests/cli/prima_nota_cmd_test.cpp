@@ -3,7 +3,6 @@
 #include <sstream>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "cli/cmd_prima_nota.h"
 #include "ledger/PrimaNotaBase.h"
 

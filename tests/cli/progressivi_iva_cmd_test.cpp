@@ -2,12 +2,9 @@
 // that the command wants.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sstream>
 #include <string>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "frame/Globali.h"
 #include "support/Azienda.h"
 #include "vat/clsProgressiviIva.h"

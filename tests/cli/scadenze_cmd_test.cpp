@@ -1,12 +1,9 @@
 // vorn scadenze and vorn scadenziario: the instalments as the user reads them, and bad input.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sstream>
 #include <string>
 
 #include "ComandoAzienda.h"
-#include "cli/Comandi.h"
 #include "frame/Globali.h"
 #include "receivables/clsScadenze.h"
 #include "support/Azienda.h"

@@ -3,13 +3,10 @@
 // engines; the balances of the year stay those of the journal.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 
 #include "cli/Demo.h"
 #include "frame/Comuni.h"
-#include "frame/FileVorn.h"
-#include "frame/Globali.h"
 #include "interchange/ModelloStandard.h"
 #include "ledger/VerificaSaldi.h"
 #include "ledger/clsBilancio.h"
