@@ -439,8 +439,12 @@ TEST_P(PrimaNotaTest, DeletingBeyondALineAndByRange) {
 TEST_P(PrimaNotaTest, NumbersNavigationAndCounts) {
   EXPECT_EQ(pn.GetNumeroNuovaRegistrazionePrimaNota(), 1);
   EXPECT_EQ(pn.GetMaxRegistrazionePrimaNota(), "00000");
-  Valore n("");
-  EXPECT_FALSE(pn.RecordSuccessivo(n));
+  // A step: the number reached, or "no".
+  auto passo = [&](bool avanti, const char* da) {
+    Valore v(da);
+    return (avanti ? pn.RecordSuccessivo(v) : pn.RecordPrecedente(v)) ? v.Testo() : std::string("no");
+  };
+  EXPECT_EQ(passo(true, ""), "no");
 
   for (const char* num : {"00001", "00002", "00010"}) {
     Salva(Riga(num, "", "001", "D", "1201001", "1"));
@@ -449,19 +453,11 @@ TEST_P(PrimaNotaTest, NumbersNavigationAndCounts) {
   Salva(Riga("00002", "I", "005", "A", "2501001", "1"));
   EXPECT_EQ(pn.GetNumeroNuovaRegistrazionePrimaNota(), 11);
   EXPECT_EQ(pn.GetMaxRegistrazionePrimaNota(), "00010");
-  n = Valore("");
-  EXPECT_TRUE(pn.RecordSuccessivo(n));
-  EXPECT_EQ(n, Valore("00010"));
-  n = Valore("00002");
-  EXPECT_TRUE(pn.RecordSuccessivo(n));
-  EXPECT_EQ(n, Valore("00010"));
-  EXPECT_FALSE(pn.RecordSuccessivo(n));
-  n = Valore("");
-  EXPECT_TRUE(pn.RecordPrecedente(n));
-  EXPECT_EQ(n, Valore("00001"));
-  n = Valore("00010");
-  EXPECT_TRUE(pn.RecordPrecedente(n));
-  EXPECT_EQ(n, Valore("00002"));
+  EXPECT_EQ(passo(true, ""), "00010");
+  EXPECT_EQ(passo(true, "00002"), "00010");
+  EXPECT_EQ(passo(true, "00010"), "no");
+  EXPECT_EQ(passo(false, ""), "00001");
+  EXPECT_EQ(passo(false, "00010"), "00002");
   // VAT lines and accounting lines are counted apart.
   EXPECT_EQ(pn.GetMaxRigheVideo(Valore("00002"), Valore("I")), 5);
   EXPECT_EQ(pn.GetMaxRigheVideo(Valore("00002"), Valore("")), 2);
@@ -584,16 +580,16 @@ VORN_SU_DUE_MOTORI(PrimaNotaTest);
 
 TEST(PrimaNotaCalcoli, VatDateOfARoadHaulier) {
   clsPrimaNota pn;
-  EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore("15/01/2024"), Valore("")),
-            Valore(*Data::Crea(2024, 2, 29)));
-  EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore("31/12/2023"), Valore("0")),
-            Valore(*Data::Crea(2024, 1, 31)));
-  EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore("15/11/2024"), Valore("1")),
-            Valore(*Data::Crea(2025, 3, 31)));
-  EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore("01/04/2024"), Valore("1")),
-            Valore(*Data::Crea(2024, 9, 30)));
-  EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore("30/09/2024"), Valore("1")),
-            Valore(*Data::Crea(2024, 12, 31)));
+  // {registration date, periodicity, proposed VAT date}
+  const char* const casi[][3] = {{"15/01/2024", "", "29/02/2024"},
+                                 {"31/12/2023", "0", "31/01/2024"},
+                                 {"15/11/2024", "1", "31/03/2025"},
+                                 {"01/04/2024", "1", "30/09/2024"},
+                                 {"30/09/2024", "1", "31/12/2024"}};
+  for (const auto& c : casi)
+    EXPECT_EQ(pn.GetDataCompetenzaIVAPropostaAutotrasportatori(Valore(c[0]), Valore(c[1])),
+              Valore(*Data::DaTesto(c[2])))
+        << c[0] << " " << c[1];
 }
 
 TEST(PrimaNotaCalcoli, VatDifferenceIsExactToFourDecimals) {
