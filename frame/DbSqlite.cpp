@@ -125,10 +125,11 @@ class ConnessioneSqlite final : public Connessione {
 
   void Controllo(const char* sql) override {
     if (!db_) throw ErroreDb(3709, "La connessione non è aperta.");
-    char* err = nullptr;
-    int rc = sqlite3_exec(db_, sql, nullptr, nullptr, &err);
-    if (err) sqlite3_free(err);
-    if (rc != SQLITE_OK) Errore(rc);
+    // The same few texts come back with every transaction: each is prepared once.
+    sqlite3_stmt* st = Prepara(sql, true);
+    Guardia g{st, true};
+    int rc = sqlite3_step(st);
+    if (rc != SQLITE_DONE && rc != SQLITE_ROW) Errore(rc);
   }
   const char* TestoInizio() const override { return "BEGIN IMMEDIATE"; }
   const char* TestoInizioLettura() const override { return "BEGIN DEFERRED"; }
