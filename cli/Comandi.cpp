@@ -161,15 +161,24 @@ int RighePagina(Argomenti& a, int predefinite, int minimo) {
   return static_cast<int>(*n);
 }
 
-int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo) {
-  auto v = a.Opzione(nome);
-  if (!v) throw ErroreUso("manca " + nome);
-  std::string s = Trim(*v);
+int ValoreIntero(const std::string& nome, const std::string& valore, int minimo, int massimo) {
+  std::string s = Trim(valore);
   auto n = Valore(s).ComeIntero();
   if (s.empty() || s.find_first_not_of("0123456789") != std::string::npos || !n || *n < minimo || *n > massimo)
     throw ErroreUso(nome + " vuole un numero intero da " + std::to_string(minimo) + " a " + std::to_string(massimo) +
-                    ": " + *v);
+                    ": " + valore);
   return static_cast<int>(*n);
+}
+
+int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo) {
+  auto v = a.Opzione(nome);
+  if (!v) throw ErroreUso("manca " + nome);
+  return ValoreIntero(nome, *v, minimo, massimo);
+}
+
+int OpzioneInteraFacoltativa(Argomenti& a, const std::string& nome, int predefinito, int minimo, int massimo) {
+  auto v = a.Opzione(nome);
+  return v ? ValoreIntero(nome, *v, minimo, massimo) : predefinito;
 }
 
 namespace {

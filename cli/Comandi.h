@@ -93,6 +93,10 @@ int RighePagina(Argomenti& a, int predefinite, int minimo);
 // A required option of a whole number of digits only, within the bounds; ErroreUso naming the
 // option otherwise (--mese, --anno, --registro).
 int OpzioneIntera(Argomenti& a, const std::string& nome, int minimo, int massimo);
+// The same for an option that may be left out (`predefinito` then).
+int OpzioneInteraFacoltativa(Argomenti& a, const std::string& nome, int predefinito, int minimo, int massimo);
+// The same check of a value already taken from the arguments.
+int ValoreIntero(const std::string& nome, const std::string& valore, int minimo, int massimo);
 
 // A plain table on the terminal: every column as wide as its widest cell, one blank between
 // columns, the last without trailing blanks. Without rows, the line `seVuota` when given

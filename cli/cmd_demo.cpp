@@ -907,15 +907,6 @@ void EseguiPassiDemo(ContestoDemo& ctx) {
 
 namespace {
 
-long NumeroPositivo(Argomenti& a, const std::string& nome, long predefinito, long massimo) {
-  auto v = a.Opzione(nome);
-  if (!v) return predefinito;
-  auto n = Valore(*v).ComeIntero();
-  if (!n || Trim(*v).find_first_not_of("0123456789") != std::string::npos || *n < 1 || *n > massimo)
-    throw ErroreUso(nome + " vuole un numero intero tra 1 e " + std::to_string(massimo) + ": " + *v);
-  return static_cast<long>(*n);
-}
-
 // How the steps name the company in the commands they suggest: the file, or the options of the
 // database.
 std::string ArgomentiAziendaTesto(const AziendaCli& az) {
@@ -929,12 +920,11 @@ std::string ArgomentiAziendaTesto(const AziendaCli& az) {
 
 int Demo(Contesto& ctx) {
   OpzioniDemo o;
-  o.seme = static_cast<uint64_t>(NumeroPositivo(ctx.args, "--seme", 1, 2147483647L));
-  o.clienti = static_cast<int>(NumeroPositivo(ctx.args, "--clienti", o.clienti, 1000000));
-  o.fornitori = static_cast<int>(NumeroPositivo(ctx.args, "--fornitori", o.fornitori, 1000000));
-  o.registrazioni = NumeroPositivo(ctx.args, "--registrazioni", o.registrazioni, 10000000);
-  o.anno = static_cast<int>(NumeroPositivo(ctx.args, "--anno", o.anno, 9999));
-  if (o.anno < 1900) throw ErroreUso("--anno vuole un anno dal 1900");
+  o.seme = static_cast<uint64_t>(OpzioneInteraFacoltativa(ctx.args, "--seme", 1, 1, 2147483647));
+  o.clienti = OpzioneInteraFacoltativa(ctx.args, "--clienti", o.clienti, 1, 1000000);
+  o.fornitori = OpzioneInteraFacoltativa(ctx.args, "--fornitori", o.fornitori, 1, 1000000);
+  o.registrazioni = OpzioneInteraFacoltativa(ctx.args, "--registrazioni", static_cast<int>(o.registrazioni), 1, 10000000);
+  o.anno = OpzioneInteraFacoltativa(ctx.args, "--anno", o.anno, 1900, 9999);
   // The company: DIR/azienda.db, or a new PostgreSQL database (or schema) named by --pg-*.
   AziendaCli az;
   if (Argomenti(ctx.args).Opzione("--pg-database")) {

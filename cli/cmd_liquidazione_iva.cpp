@@ -69,16 +69,6 @@ std::string RigaEsitoLiquidazioneIva(const EsitoLiquidazioneIva& e) {
 
 namespace {
 
-// A whole number of digits only, within the bounds; ErroreUso naming the option otherwise.
-int Intero(const std::string& nome, const std::string& valore, int minimo, int massimo) {
-  std::string s = Trim(valore);
-  auto n = Valore(s).ComeIntero();
-  if (s.empty() || s.find_first_not_of("0123456789") != std::string::npos || !n || *n < minimo || *n > massimo)
-    throw ErroreUso(nome + " vuole un numero intero da " + std::to_string(minimo) + " a " + std::to_string(massimo) +
-                    ": " + valore);
-  return static_cast<int>(*n);
-}
-
 // A page must hold the head (two empty lines and seven), the foot (two) and one line.
 constexpr int kMinimoRighe = 12;
 
@@ -130,9 +120,9 @@ int Esegui(Contesto& ctx) {
   if (!meseOpzione && !trimestreOpzione) throw ErroreUso("manca il periodo: --mese M oppure --trimestre T");
   const bool trimestre = trimestreOpzione.has_value();
   const int mese =
-      trimestre ? 3 * Intero("--trimestre", *trimestreOpzione, 1, 4) : Intero("--mese", *meseOpzione, 1, 13);
+      trimestre ? 3 * ValoreIntero("--trimestre", *trimestreOpzione, 1, 4) : ValoreIntero("--mese", *meseOpzione, 1, 13);
   if (!annoOpzione) throw ErroreUso("manca --anno");
-  const int anno = Intero("--anno", *annoOpzione, 1900, 9999);
+  const int anno = ValoreIntero("--anno", *annoOpzione, 1900, 9999);
   if (definitiva && !bollata) throw ErroreUso("--definitiva vale solo con --bollata");
   if (numera && !bollata) throw ErroreUso("--numera-pagine vale solo con --bollata");
   AziendaCli az = LeggiAzienda(a);

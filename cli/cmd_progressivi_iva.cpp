@@ -22,17 +22,6 @@ constexpr int kPeriodo = 0;       // "PI" "D"
 constexpr int kAnno = 1;          // "PI" "R"
 constexpr int kUltimaStampa = 2;  // "P2" "R"
 
-int AnnoOpzione(Argomenti& a) {
-  auto v = a.Opzione("--anno");
-  if (!v) throw ErroreUso("manca --anno");
-  std::string t = Trim(*v);
-  if (t.empty() || t.size() > 4 || t.find_first_not_of("0123456789") != std::string::npos)
-    throw ErroreUso("--anno vuole un anno da 1900 a 9999: " + *v);
-  int anno = std::stoi(t);
-  if (anno < 1900) throw ErroreUso("--anno vuole un anno da 1900 a 9999: " + *v);
-  return anno;
-}
-
 std::string Testo(Recordset& rs, const char* colonna) { return LeggiCampo(rs(colonna), Valore("")).Testo(); }
 
 // A register of a kind and number.
@@ -43,7 +32,7 @@ struct Riga {
 };
 
 int EseguiProgressiviIva(Contesto& ctx) {
-  int anno = AnnoOpzione(ctx.args);
+  int anno = OpzioneIntera(ctx.args, "--anno", 1900, 9999);
   AziendaCli az = LeggiAzienda(ctx.args);
   ctx.args.Fine();
   auto db = ApriAzienda(az, Accesso::Lettura);
