@@ -16,7 +16,10 @@ int EseguiAggiorna(Contesto& ctx) {
     ctx.out << "Il database è già aggiornato: nulla da fare.\n";
     return 0;
   }
-  ctx.out << e.report << "\n";
+  if (e.report.empty())
+    ctx.out << "Rapporto AggiornamentoArchivi.txt non scritto: " << e.erroreReport << "\n";
+  else
+    ctx.out << e.report << "\n";
   ctx.out << "Colonne rinominate in minuscolo: " << e.rinominate.size() << "\n"
           << "Aggiunte alla struttura:         " << e.aggiunte.size() << "\n"
           << "Campi aggiornati:                " << e.copiati << "\n"

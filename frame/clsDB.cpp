@@ -501,7 +501,15 @@ EsitoAggiornamentoArchivi clsDB::AggiornaArchivi(IForm* form) {
     e.errore = x.what();
     out << "Aggiornamento annullato (" << e.errore << "): il database è rimasto com'era." << "\n";
   }
-  f.Chiudi();
+  // The database's outcome is settled by now: a report that cannot be written is told, and does
+  // not turn a committed upgrade into a failure.
+  try {
+    f.Chiudi();
+  } catch (const std::exception& x) {
+    e.erroreReport = x.what();
+    e.report.clear();
+    return e;
+  }
   try {
     Host().ApriFile(e.report);
   } catch (...) {

@@ -34,6 +34,7 @@ struct EsitoAggiornamentoArchivi {
   int nonRiusciti = 0;     // columns whose old name the database does not have
   int passwordCifrate = 0; // users' passwords found in clear and replaced by their hash
   std::string errore;      // why the upgrade was undone (riuscito false)
+  std::string erroreReport;  // why the report could not be written (report then empty)
 };
 
 class clsDB {
