@@ -172,7 +172,7 @@ TEST_P(ComandoAzienda, ACompanyThatIsNotThereIsOneLine) {
   auto r = Vorn(Azienda({"azienda"}));
   EXPECT_NE(r.rc, 0);
   EXPECT_EQ(r.out, "");
-  EXPECT_FALSE(r.err.empty());
+  EXPECT_EQ(Righe(r.err), 1u) << r.err;
 }
 
 VORN_SU_DUE_MOTORI(ComandoAzienda);
