@@ -16,18 +16,21 @@ int64_t InteroDi(const Valore& v) {
   return static_cast<int64_t>(Val(v.Testo()));
 }
 
-// The counter's row, locked on PostgreSQL until the transaction ends.
-Recordset LeggiContatore(Connessione& cn, const Contatore& c) {
+// The statement that reads the counter's row (the columns of `elenco`), locked on PostgreSQL
+// until the transaction ends.
+std::string SqlContatore(const Connessione& cn, const Contatore& c, const std::string& elenco) {
   VerificaNome(c.tabella);
   VerificaNome(c.colonna, "colonna");
-  std::string sql = "SELECT * FROM [" + c.tabella + "]";
+  std::string sql = "SELECT " + elenco + " FROM [" + c.tabella + "]";
   if (!c.where.empty()) sql += " WHERE " + c.where;
   // A blank key part matches both '' and Null, so old archives may hold the counter twice:
   // the highest of them counts, on both engines the same.
   sql += " ORDER BY COALESCE([" + c.colonna + "], 0) DESC LIMIT 1";
   if (cn.IsPostgres()) sql += " FOR UPDATE";
-  return cn.ApriSql(sql, c.parametri);
+  return sql;
 }
+
+Recordset LeggiContatore(Connessione& cn, const Contatore& c) { return cn.ApriSql(SqlContatore(cn, c, "*"), c.parametri); }
 
 // The name under which two clients that both find the counter missing wait for each other.
 std::string NomeBlocco(const Contatore& c) {
@@ -121,12 +124,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
     // The counter under lock and the highest number in use, read in one round trip: the second
     // statement starts once the lock is held, so it sees what the lock's last holder committed.
     // The raised counter goes to the server with the caller's next statement.
-    VerificaNome(c.tabella);
-    VerificaNome(c.colonna, "colonna");
-    std::string sql = "SELECT [" + c.colonna + "], ctid FROM [" + c.tabella + "]";
-    if (!c.where.empty()) sql += " WHERE " + c.where;
-    sql += " ORDER BY COALESCE([" + c.colonna + "], 0) DESC LIMIT 1 FOR UPDATE";
-    std::vector<std::pair<std::string, Parametri>> letture{{sql, c.parametri}};
+    std::vector<std::pair<std::string, Parametri>> letture{{SqlContatore(cn, c, "[" + c.colonna + "], ctid"), c.parametri}};
     if (!c.sqlMassimo.empty()) letture.emplace_back(c.sqlMassimo, c.parametriMassimo);
     auto risposte = cn.EseguiInsieme(letture);
     Recordset& contatore = risposte[0].rs;

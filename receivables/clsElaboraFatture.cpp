@@ -614,6 +614,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // since this one read the list) leaves it alone. On PostgreSQL the claim waits for the
         // other run's transaction and then finds the stamp. Its lines are read with the claim,
         // in the same round trip.
+        const Valore numDoc = Valore(static_cast<long long>(NullToZeroLng(numero)));
         Recordset righeDocumento;
         {
           Parametri p{Valore(true)};
@@ -628,7 +629,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
                 "LEFT JOIN [Codici Iva] ON [Movimenti Magazzino].[Codice Iva] = [Codici Iva].[Codice Iva] "
                 "WHERE [Movimenti Magazzino].[Numero] = ? AND TRIM(COALESCE([Movimenti Magazzino].[Serie], '')) = ? "
                 "AND [Movimenti Magazzino].[Tipo documento] = 'F'",
-                {Valore(static_cast<long long>(NullToZeroLng(numero))), serie}}});
+                {numDoc, serie}}});
           if (risposte[0].righe == 0) {
             giaFatto = true;
             return;
@@ -715,7 +716,6 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         if (cambio == 0) cambio = 1.0;
         const Valore ragione = Valore(T(campo("Ragione Sociale")));
         const Importo totale = NullToZeroCy(campo("Totale Documento"));
-        const Valore numDoc = Valore(static_cast<long long>(NullToZeroLng(numero)));
         const int decimali = DecimaliValutaDocumento(T(valuta));
 
         // A row of this document's registrations.
