@@ -370,6 +370,7 @@ class ConnessionePostgres final : public Connessione {
     std::vector<InCoda> coda = std::move(coda_);
     coda_.clear();
     inizioInCoda_ = false;
+    UnisciInserimenti(coda);
     const size_t primaLettura = coda.size();
     for (auto& l : letture) coda.push_back(std::move(l));
     esiti.assign(coda.size() - primaLettura, Esito{});
@@ -432,6 +433,59 @@ class ConnessionePostgres final : public Connessione {
       Verifica(r.r);
     }
     if (letti != esiti.size()) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+  }
+
+  // The number of parameters of "INSERT INTO ... VALUES ($1, ..., $k)" (a single row of nothing
+  // but the parameters in order), and where its row starts; 0 for any other statement.
+  static int ParametriRigaSola(const std::string& sql, size_t& riga) {
+    if (sql.size() < 12 || !UgualeNoCase(sql.substr(0, 12), "INSERT INTO ")) return 0;
+    riga = sql.rfind(" VALUES (");
+    if (riga == std::string::npos) return 0;
+    riga += 8;
+    size_t i = riga + 1;
+    int k = 0;
+    for (;;) {
+      const std::string atteso = "$" + std::to_string(k + 1);
+      if (sql.compare(i, atteso.size(), atteso) != 0) return 0;
+      i += atteso.size();
+      ++k;
+      if (i + 1 == sql.size() && sql[i] == ')') return k;
+      if (sql.compare(i, 2, ", ") != 0) return 0;
+      i += 2;
+    }
+  }
+
+  // Consecutive inserts of single rows into the same columns, made one insert of their rows:
+  // the server plans and runs one statement instead of several. They are writes whose answer
+  // nobody reads, inside one transaction, so they land or fail together either way.
+  static void UnisciInserimenti(std::vector<InCoda>& coda) {
+    constexpr size_t kMassimoRighe = 32;
+    std::vector<InCoda> unite;
+    for (size_t i = 0; i < coda.size();) {
+      size_t riga = 0;
+      const int k = coda[i].p.empty() ? 0 : ParametriRigaSola(coda[i].sql, riga);
+      size_t j = i + 1;
+      if (k > 0) {
+        const size_t massimo = std::min(kMassimoRighe, static_cast<size_t>(65535 / k));
+        while (j < coda.size() && j - i < massimo && coda[j].sql == coda[i].sql) ++j;
+      }
+      if (j - i < 2) {
+        unite.push_back(std::move(coda[i++]));
+        continue;
+      }
+      InCoda u;
+      u.sql = coda[i].sql.substr(0, riga);
+      int n = 0;
+      for (size_t r = i; r < j; ++r) {
+        u.sql += r > i ? ", (" : "(";
+        for (int c = 0; c < k; ++c) u.sql += (c ? ", $" : "$") + std::to_string(++n);
+        u.sql += ")";
+        u.p.insert(u.p.end(), std::make_move_iterator(coda[r].p.begin()), std::make_move_iterator(coda[r].p.end()));
+      }
+      unite.push_back(std::move(u));
+      i = j;
+    }
+    coda = std::move(unite);
   }
 
   static bool DaPreparare(const std::string& sql) {

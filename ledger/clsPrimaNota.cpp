@@ -232,17 +232,20 @@ const ColonneSaldo kSaldiFornitori{"Anagrafica Fornitori",
 // Amounts are added in SQL and rounded to the four decimals of an amount, so that a column
 // stored as a binary floating value never gathers drift.
 struct SqlSaldo {
-  std::array<std::string, 8> upsert, aggiorna;
+  std::array<std::string, 8> aggiorna;
   std::string inserisci, esiste;
+  // Rows of several keys in one statement, 1 to kRigheUpsert of them: each column takes the
+  // row's amount when it moves (a delta of zero leaves it as it is, Null included).
+  static constexpr size_t kRigheUpsert = 16;
+  std::array<std::string, kRigheUpsert + 1> upsertRighe;
 };
 
-std::string SetMovimento(const ColonneSaldo& cs, int mask, bool qualifica) {
+std::string SetMovimento(const ColonneSaldo& cs, int mask) {
   std::string set;
   for (int i = 0; i < 3; ++i) {
     if (!(mask & (1 << i))) continue;
     std::string col = std::string("[") + cs.periodo[i] + "]";
-    std::string vecchio = qualifica ? std::string("[") + cs.tabella + "]." + col : col;
-    set += (set.empty() ? "" : ", ") + col + " = ROUND(COALESCE(" + vecchio + ", 0) + ?, 4)";
+    set += (set.empty() ? "" : ", ") + col + " = ROUND(COALESCE(" + col + ", 0) + ?, 4)";
   }
   return set;
 }
@@ -268,12 +271,22 @@ SqlSaldo CostruisciSqlSaldo(const ColonneSaldo& cs, bool conRagione) {
     vals += ", 0";
   }
   s.inserisci = std::string("INSERT INTO [") + cs.tabella + "] (" + cols + ") VALUES (" + vals + ")";
-  for (int mask = 0; mask < 8; ++mask) {
-    s.upsert[mask] = s.inserisci + " ON CONFLICT (" + chiave + ") DO " +
-                     (mask ? "UPDATE SET " + SetMovimento(cs, mask, true) : std::string("NOTHING"));
-    if (mask) s.aggiorna[mask] = std::string("UPDATE [") + cs.tabella + "] SET " + SetMovimento(cs, mask, false) + " WHERE ";
-  }
+  for (int mask = 1; mask < 8; ++mask)
+    s.aggiorna[mask] = std::string("UPDATE [") + cs.tabella + "] SET " + SetMovimento(cs, mask) + " WHERE ";
   s.esiste = std::string("SELECT 1 FROM [") + cs.tabella + "] WHERE ";
+  std::string set;
+  for (int i = 0; i < 3; ++i) {
+    const std::string col = std::string("[") + cs.periodo[i] + "]";
+    const std::string vecchio = std::string("[") + cs.tabella + "]." + col, nuovo = "EXCLUDED." + col;
+    set += (i ? ", " : "") + col + " = CASE WHEN " + nuovo + " = 0 THEN " + vecchio + " ELSE ROUND(COALESCE(" +
+           vecchio + ", 0) + " + nuovo + ", 4) END";
+  }
+  std::string righe;
+  for (size_t n = 1; n <= SqlSaldo::kRigheUpsert; ++n) {
+    righe += (n > 1 ? ", (" : "(") + vals + ")";
+    s.upsertRighe[n] = std::string("INSERT INTO [") + cs.tabella + "] (" + cols + ") VALUES " + righe +
+                       " ON CONFLICT (" + chiave + ") DO UPDATE SET " + set;
+  }
   return s;
 }
 
@@ -494,23 +507,26 @@ bool ChiaveUpsert(Connessione& cn, ChiaviUpsert& cache, const std::string& tabel
   return ok;
 }
 
-void ScriviSaldoSottoconto(Connessione& cn, ChiaviUpsert& k, const std::string& g, const std::string& c,
-                           const std::string& s, const DeltaSaldo& d) {
-  const SqlSaldo& q = SqlConti();
-  int mask = MascheraDelta(d.tocca);
+// One balance row without an upsert: a code with empty parts (the row may hold '' or Null
+// there), or a table whose key is not the balance's.
+void ScriviSaldoRiga(Connessione& cn, const ChiaveSaldo& chiave, const DeltaSaldo& d) {
+  const bool conto = chiave.tipo == 'S';
+  const SqlSaldo& q = conto ? SqlConti() : chiave.tipo == 'C' ? SqlClienti() : SqlFornitori();
+  const int mask = MascheraDelta(d.tocca);
   const Importo v[3] = {d.iniziale, d.dare, d.avere};
-  Parametri p{Valore(g), Valore(c), Valore(s), Valore(v[0]), Valore(v[1]), Valore(v[2])};
-  if (!g.empty() && !c.empty() && !s.empty() && ChiaveUpsert(cn, k, kSaldiConti.tabella, kSaldiConti.chiave)) {
-    AggiungiDelta(p, v, mask);
-    cn.EseguiInCoda(q.upsert[mask], p);
-    return;
-  }
-  // A code with empty parts: the row may hold '' or Null there.
   std::string w;
-  Parametri pw;
-  FiltroTesto(w, pw, "[CodiceGruppo]", Valore(g));
-  FiltroTesto(w, pw, "[CodiceConto]", Valore(c));
-  FiltroTesto(w, pw, "[CodiceSottoconto]", Valore(s));
+  Parametri p, pw;
+  if (conto) {
+    p = {Valore(chiave.a), Valore(chiave.b), Valore(chiave.c)};
+    FiltroTesto(w, pw, "[CodiceGruppo]", Valore(chiave.a));
+    FiltroTesto(w, pw, "[CodiceConto]", Valore(chiave.b));
+    FiltroTesto(w, pw, "[CodiceSottoconto]", Valore(chiave.c));
+  } else {
+    // A posting is never lost for want of a master record: the new row is named with its code.
+    p = {Valore(chiave.a), Valore(chiave.a)};
+    FiltroTesto(w, pw, "[Codice Cliente]", Valore(chiave.a));
+  }
+  p.insert(p.end(), {Valore(v[0]), Valore(v[1]), Valore(v[2])});
   if (mask) {
     Parametri pu;
     AggiungiDelta(pu, v, mask);
@@ -522,38 +538,40 @@ void ScriviSaldoSottoconto(Connessione& cn, ChiaviUpsert& k, const std::string& 
   cn.Esegui(q.inserisci, p);
 }
 
-void ScriviSaldoCliFor(Connessione& cn, ChiaviUpsert& k, char tipo, const std::string& codice, const DeltaSaldo& d) {
-  const ColonneSaldo& cs = tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
-  const SqlSaldo& q = tipo == 'C' ? SqlClienti() : SqlFornitori();
-  int mask = MascheraDelta(d.tocca);
-  const Importo v[3] = {d.iniziale, d.dare, d.avere};
-  // A posting is never lost for want of a master record: the new row is named with its code.
-  Parametri p{Valore(codice), Valore(codice), Valore(v[0]), Valore(v[1]), Valore(v[2])};
-  if (!codice.empty() && ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
-    AggiungiDelta(p, v, mask);
-    cn.EseguiInCoda(q.upsert[mask], p);
-    return;
-  }
-  std::string w;
-  Parametri pw;
-  FiltroTesto(w, pw, "[Codice Cliente]", Valore(codice));
-  if (mask) {
-    Parametri pu;
-    AggiungiDelta(pu, v, mask);
-    pu.insert(pu.end(), pw.begin(), pw.end());
-    if (cn.Esegui(q.aggiorna[mask] + w, pu) > 0) return;
-  } else if (!cn.Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
-    return;
-  }
-  cn.Esegui(q.inserisci, p);
-}
-
-// Every movement gathered, one statement per balance row, in the order of the rows' keys.
+// Every movement gathered, in the order of the rows' keys (two writers lock rows in the same
+// order): the rows of one table in one statement where its key allows an upsert, a statement per
+// row otherwise.
 void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
+  const SqlSaldo* q = nullptr;
+  Parametri p;
+  size_t righe = 0;
+  auto scrivi = [&] {
+    if (righe) cn.EseguiInCoda(q->upsertRighe[righe], p);
+    p.clear();
+    righe = 0;
+  };
   for (const auto& [chiave, d] : m) {
-    if (chiave.tipo == 'S') ScriviSaldoSottoconto(cn, k, chiave.a, chiave.b, chiave.c, d);
-    else ScriviSaldoCliFor(cn, k, chiave.tipo, chiave.a, d);
+    const bool conto = chiave.tipo == 'S';
+    const ColonneSaldo& cs = conto ? kSaldiConti : chiave.tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
+    const SqlSaldo& sq = conto ? SqlConti() : chiave.tipo == 'C' ? SqlClienti() : SqlFornitori();
+    const bool completa = conto ? !chiave.a.empty() && !chiave.b.empty() && !chiave.c.empty() : !chiave.a.empty();
+    if (!completa || !ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
+      scrivi();
+      ScriviSaldoRiga(cn, chiave, d);
+      continue;
+    }
+    if (q != &sq || righe == SqlSaldo::kRigheUpsert) scrivi();
+    q = &sq;
+    ++righe;
+    if (conto) {
+      p.insert(p.end(), {Valore(chiave.a), Valore(chiave.b), Valore(chiave.c)});
+    } else {
+      // A posting is never lost for want of a master record: the new row is named with its code.
+      p.insert(p.end(), {Valore(chiave.a), Valore(chiave.a)});
+    }
+    p.insert(p.end(), {Valore(d.iniziale), Valore(d.dare), Valore(d.avere)});
   }
+  scrivi();
 }
 
 // The balance movement of a transaction, held back level by level until its commit.

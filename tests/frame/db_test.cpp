@@ -300,6 +300,50 @@ TEST_P(DataLayerUnits, QueuedWritesKeepTheirOrderAndTheirErrors) {
   EXPECT_EQ(Righe(), 4);
 }
 
+TEST_P(DataLayerUnits, ManyQueuedRowsOfEveryTypeLandExactlyAndInOrder) {
+  // 70 rows of one insert, more than one statement's worth on the server, of every type the
+  // layer binds, Null included; then a plain insert of other columns, and a failure in a long
+  // run that keeps nothing of the transaction.
+  cn->Esegui("CREATE TABLE [Righe] ([N] INTEGER, [Testo] TEXT, [Importo] NUMERIC(19,4), [Data] DATE, [Vero] BOOLEAN)");
+  cn->BeginTrans();
+  for (int i = 1; i <= 70; ++i)
+    cn->EseguiInCoda("INSERT INTO [Righe] ([N], [Testo], [Importo], [Data], [Vero]) VALUES (?, ?, ?, ?, ?)",
+                     {Valore(i), i % 7 ? Valore("r" + std::to_string(i)) : Valore::Null(),
+                      Valore(Importo::DaRaw(i * 1000001LL)), Valore(*Data::Crea(2024, 1 + i % 12, 1 + i % 28)),
+                      Valore(i % 2 == 0)});
+  cn->EseguiInCoda("INSERT INTO [Righe] ([N]) VALUES (?)", {Valore(71)});
+  cn->CommitTrans();
+  int n = 0;
+  cn->Scorri("SELECT [N], [Testo], [Importo], [Data], [Vero] FROM [Righe] ORDER BY [N]", {},
+             [&](const std::vector<Colonna>&, const std::vector<Valore>& r) {
+               ++n;
+               EXPECT_EQ(r[0].Int(), n);
+               if (n == 71) {
+                 EXPECT_TRUE(r[1].IsNull() && r[2].IsNull() && r[3].IsNull());
+                 return true;
+               }
+               EXPECT_EQ(r[1].IsNull() ? std::string("-") : r[1].Str(), n % 7 ? "r" + std::to_string(n) : "-");
+               EXPECT_EQ(r[2].Imp().Raw(), n * 1000001LL);  // 100,0001 x n, to the last decimal
+               EXPECT_EQ(r[3].ComeData()->Iso(), Data::Crea(2024, 1 + n % 12, 1 + n % 28)->Iso());
+               EXPECT_EQ(r[4].Vero(), n % 2 == 0);
+               return true;
+             });
+  EXPECT_EQ(n, 71);
+
+  cn->BeginTrans();
+  bool fallita = false;
+  try {
+    for (const char* c : {"P", "Q", "R", "S", "A", "T", "A"}) cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore(c)});
+    cn->CommitTrans();
+  } catch (const ErroreDb&) {
+    fallita = true;
+    if (cn->Livello() > 0) cn->RollbackTrans();
+  }
+  EXPECT_TRUE(fallita);
+  EXPECT_FALSE(cn->InTransazione());
+  EXPECT_EQ(Righe(), 0);
+}
+
 TEST_P(DataLayerUnits, StatementsSentTogetherRunInOrderAfterTheQueuedWrites) {
   // A transaction that sends nothing leaves nothing open, whether it ends either way.
   cn->BeginTrans();
