@@ -108,6 +108,18 @@ void ChiaveComposta::Scrivi(Recordset& rs) const {
 }
 
 int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
+  LettureDopoNumero nessuna;
+  return PrendiNumero(cn, c, nessuna);
+}
+
+int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dopo) {
+  dopo.letti.clear();
+  auto leggiDopo = [&] {
+    for (const auto& a : dopo.aperture) {
+      auto r = cn.EseguiInsieme({{a.sql, a.p}});
+      dopo.letti.push_back(cn.ApriDa(a, std::move(r[0].rs)));
+    }
+  };
   // No savepoint of its own inside the caller's transaction on PostgreSQL (two more round trips
   // for every number): a statement that fails here fails the caller's transaction, and a
   // number refused before anything is written leaves it as it was.
@@ -126,9 +138,13 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
     // The raised counter goes to the server with the caller's next statement.
     std::vector<std::pair<std::string, Parametri>> letture{{SqlContatore(cn, c, "[" + c.colonna + "], ctid"), c.parametri}};
     if (!c.sqlMassimo.empty()) letture.emplace_back(c.sqlMassimo, c.parametriMassimo);
+    const size_t primaDopo = letture.size();
+    for (const auto& a : dopo.aperture) letture.emplace_back(a.sql, a.p);
     auto risposte = cn.EseguiInsieme(letture);
     Recordset& contatore = risposte[0].rs;
     if (!contatore.Eof()) {
+      for (size_t i = 0; i < dopo.aperture.size(); ++i)
+        dopo.letti.push_back(cn.ApriDa(dopo.aperture[i], std::move(risposte[primaDopo + i].rs)));
       int64_t ultimo = InteroDi(contatore(0).Value());
       if (risposte.size() > 1 && !risposte[1].rs.Eof()) ultimo = std::max(ultimo, InteroDi(risposte[1].rs(0).Value()));
       int64_t nuovo = successivo(ultimo);
@@ -157,6 +173,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
       rs(c.colonna) = Valore(static_cast<long long>(nuovo));
       rs.Update();
       inserimento.Conferma();
+      leggiDopo();
       transazione.Conferma();
       return static_cast<int32_t>(nuovo);
     } catch (const ErroreDb& e) {
@@ -170,6 +187,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
   int64_t nuovo = successivo(ultimo);
   rs(c.colonna) = Valore(static_cast<long long>(nuovo));
   rs.Update();
+  leggiDopo();
   transazione.Conferma();
   return static_cast<int32_t>(nuovo);
 }

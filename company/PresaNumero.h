@@ -75,6 +75,15 @@ struct Contatore {
 // would pass the 32-bit range or when the row cannot be made for another client's.
 int32_t PrendiNumero(Connessione& cn, const Contatore& c);
 
+// Rows that the caller reads once the counter is locked, in the same transaction: on
+// PostgreSQL in the counter's own round trip. The recordsets come back in `letti`, editable,
+// in the order of `aperture`.
+struct LettureDopoNumero {
+  std::vector<Connessione::Apertura> aperture;
+  std::vector<Recordset> letti;
+};
+int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dopo);
+
 // True when the engine refused a row because its key is already in the table: on numbered
 // rows, a number that another client committed first.
 bool ChiaveDuplicata(const ErroreDb& e);

@@ -305,6 +305,11 @@ bool clsProgAzienda::GetProgressiviPrimaNota(Valore& UltimaStampaGiornale, Valor
 // ---------------------------------------------------------------- numbers taken in a transaction
 
 int32_t clsProgAzienda::PrendiNumeroRegistrazione() {
+  LettureDopoNumero nessuna;
+  return PrendiNumeroRegistrazione(nessuna);
+}
+
+int32_t clsProgAzienda::PrendiNumeroRegistrazione(LettureDopoNumero& dopo) {
   Contatore c;
   c.tabella = kProgressivi;
   c.colonna = "UltimaRegistrazionePN";
@@ -312,7 +317,7 @@ int32_t clsProgAzienda::PrendiNumeroRegistrazione() {
   // left out. The expression is the one of the catalogue's index, which answers the MAX
   // without reading the journal.
   c.sqlMassimo = "SELECT MAX(" + EspressioneNumeroRegistrazione(cn->IsPostgres()) + ") FROM [Prima Nota]";
-  return PrendiNumero(*cn, c);
+  return PrendiNumero(*cn, c, dopo);
 }
 
 namespace {

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "company/PresaNumero.h"
 #include "frame/ConnessioneClasse.h"
 #include "frame/Data.h"
 #include "frame/Db.h"
@@ -108,6 +109,8 @@ class clsProgAzienda {
   // The next journal entry number: one above the higher of UltimaRegistrazionePN and the
   // highest number in [Prima Nota], written to UltimaRegistrazionePN.
   int32_t PrendiNumeroRegistrazione();
+  // The same, reading `dopo`'s rows once the counter is locked (PrendiNumero).
+  int32_t PrendiNumeroRegistrazione(LettureDopoNumero& dopo);
   // The next due-date number: one above the higher of the 'SCA' row's Progressivo and the
   // highest [Numero Progressivo] of [Scadenziario], written to the 'SCA' row.
   int32_t PrendiProgressivoScadenze();

@@ -127,7 +127,10 @@ Recordset Recordset::DaDati(Dati d) {
 }
 
 Recordset Recordset::Modificabile(Connessione& cn, std::string tabella, Dati d, std::vector<int> chiave, int rid) {
-  Recordset rs = DaDati(std::move(d));
+  return Modificabile(cn, std::move(tabella), DaDati(std::move(d)), std::move(chiave), rid);
+}
+
+Recordset Recordset::Modificabile(Connessione& cn, std::string tabella, Recordset rs, std::vector<int> chiave, int rid) {
   rs.cn_ = &cn;
   rs.tabella_ = std::move(tabella);
   rs.chiave_ = std::move(chiave);
@@ -684,31 +687,52 @@ std::string ConRid(std::string_view sql, const std::string& rid, const std::stri
 }
 }  // namespace
 
+namespace {
+// A table without a key is read with its rows' identity, by which its rows are written back.
+Connessione::Apertura PreparaApriSql(std::string_view sql, const Parametri& p, bool usaRid, std::string tabella,
+                                     const std::string& rid) {
+  Connessione::Apertura a;
+  a.sql = usaRid ? ConRid(sql, rid, tabella) : std::string(sql);
+  a.p = p;
+  a.tabella = std::move(tabella);
+  a.rid = usaRid;
+  return a;
+}
+}  // namespace
+
+Connessione::Apertura Connessione::PreparaApri(std::string_view tabella, std::string_view where, const Parametri& p) {
+  VerificaNome(tabella);
+  std::string sql = "SELECT * FROM [" + std::string(tabella) + "]";
+  if (!where.empty()) sql += " WHERE " + std::string(where);
+  return PreparaApriSql(sql, p, ChiaveTabella(std::string(tabella)).empty(), std::string(tabella), ColonnaRid());
+}
+
+Recordset Connessione::ApriDa(const Apertura& a, Recordset letto) {
+  std::vector<int> idx;
+  int rid = -1;
+  const auto& cols = letto.Colonne();
+  if (a.rid) {
+    rid = static_cast<int>(cols.size()) - 1;
+  } else {
+    for (const auto& k : ChiaveTabella(a.tabella)) {
+      int found = -1;
+      for (size_t i = 0; i < cols.size(); ++i)
+        if (UgualeNoCase(cols[i].nome, k)) found = static_cast<int>(i);
+      if (found < 0) throw ErroreDb(3251, "Il recordset non contiene la chiave " + k + " di " + a.tabella);
+      idx.push_back(found);
+    }
+  }
+  return Recordset::Modificabile(*this, a.tabella, std::move(letto), std::move(idx), rid);
+}
+
 Recordset Connessione::ApriSql(std::string_view sql, const Parametri& p) {
   std::string tabella = TabellaDi(sql);
   VerificaNome(tabella);
   PrimaDi(sql);
-  const auto& chiave = ChiaveTabella(tabella);
-  std::string testo(sql);
-  bool usaRid = chiave.empty();
-  if (usaRid) testo = ConRid(sql, ColonnaRid(), tabella);
+  const Apertura a = PreparaApriSql(sql, p, ChiaveTabella(tabella).empty(), tabella, ColonnaRid());
   Parametri n = Normalizza(p);
-  auto esito = EseguiInterno(Traduci(testo), n.empty() ? p : n, true);
-  std::vector<int> idx;
-  int rid = -1;
-  auto& cols = esito.dati.cols;
-  if (usaRid) {
-    rid = static_cast<int>(cols.size()) - 1;
-  } else {
-    for (const auto& k : chiave) {
-      int found = -1;
-      for (size_t i = 0; i < cols.size(); ++i)
-        if (UgualeNoCase(cols[i].nome, k)) found = static_cast<int>(i);
-      if (found < 0) throw ErroreDb(3251, "Il recordset non contiene la chiave " + k + " di " + tabella);
-      idx.push_back(found);
-    }
-  }
-  return Recordset::Modificabile(*this, tabella, std::move(esito.dati), std::move(idx), rid);
+  auto esito = EseguiInterno(Traduci(a.sql), n.empty() ? p : n, true);
+  return ApriDa(a, Recordset::DaDati(std::move(esito.dati)));
 }
 
 // ---------------------------------------------------------------- transactions

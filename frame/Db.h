@@ -150,6 +150,7 @@ class Recordset {
   };
   static Recordset DaDati(Dati d);
   static Recordset Modificabile(Connessione& cn, std::string tabella, Dati d, std::vector<int> chiave, int rid);
+  static Recordset Modificabile(Connessione& cn, std::string tabella, Recordset letto, std::vector<int> chiave, int rid);
 
  private:
   friend class Campo;
@@ -283,6 +284,16 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
                  std::string_view orderBy = {});
   // An editable recordset on a statement over one table ("SELECT ... FROM [T] ...").
   Recordset ApriSql(std::string_view sql, const Parametri& p = {});
+  // An editable recordset read together with other statements: the statement to send
+  // (EseguiInsieme), then ApriDa makes the recordset of its answer, as Apri would have.
+  struct Apertura {
+    std::string sql;  // with the row identity when the table has no key
+    Parametri p;
+    std::string tabella;
+    bool rid = false;
+  };
+  Apertura PreparaApri(std::string_view tabella, std::string_view where = {}, const Parametri& p = {});
+  Recordset ApriDa(const Apertura& a, Recordset letto);
 
   // Transactions, the same on both engines. BeginTrans with none open starts a transaction;
   // BeginTrans inside one opens a savepoint level, which CommitTrans releases (its work joins

@@ -1196,18 +1196,41 @@ bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistr
   return true;
 }
 
+void clsPrimaNota::FiltroRegistro(std::string& w, Parametri& p, const Valore& TipoRegistro, const Valore& NumeroRegistro,
+                                  const Valore& SerieDocumento) {
+  FiltroTesto(w, p, "[TipoRegistro]", TipoRegistro);
+  FiltroTesto(w, p, "[IndOrdiniImpegni]", Valore(""));
+  FiltroTesto(w, p, "[NumeroRegistro]", NumeroRegistro);
+  FiltroTesto(w, p, "[Deposito]", Valore("000"));
+  FiltroTesto(w, p, "[SerieDocumento]", SerieDocumento);
+}
+
+void clsPrimaNota::AnticipaProgressiviPrimaNota(const Valore& TipoRegistroIva, const Valore& NumRegistroIva,
+                                                const Valore& SerieDocumento) {
+  registro_.reset();
+  const std::string tipo = T(TipoRegistroIva);
+  if (tipo != "1" && tipo != "3" && tipo != "5" && tipo != "2") return;
+  registro_.emplace();
+  // A purchase register counts protocols and has no series (AggiornaProgressiviPrimaNota).
+  FiltroRegistro(registro_->where, registro_->p, TipoRegistroIva, NumRegistroIva,
+                 tipo == "2" ? Valore("") : SerieDocumento);
+}
+
 bool clsPrimaNota::AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, const Valore& NumeroRegistro,
                                                  const Valore& SerieDocumento, const Valore& NumeroUltimoDoc,
                                                  const Valore& DataUltimoDoc) {
   AssicuraConnessione();
   std::string w;
   Parametri p;
-  FiltroTesto(w, p, "[TipoRegistro]", TipoRegistro);
-  FiltroTesto(w, p, "[IndOrdiniImpegni]", Valore(""));
-  FiltroTesto(w, p, "[NumeroRegistro]", NumeroRegistro);
-  FiltroTesto(w, p, "[Deposito]", Valore("000"));
-  FiltroTesto(w, p, "[SerieDocumento]", SerieDocumento);
-  Recordset rs = cn->Apri("Progressivi Numerazione Vorn", w, p);
+  FiltroRegistro(w, p, TipoRegistro, NumeroRegistro, SerieDocumento);
+  // The row read with the entry number, under the counter's lock, when it is this one and the
+  // transaction is still that one.
+  std::optional<Recordset> letto;
+  if (registro_ && registro_->rs && registro_->where == w && registro_->p == p && cnNumero_ == cn.get() &&
+      serieNumero_ == cn->SerieTransazione() && cn->Livello() > 0)
+    letto = std::move(registro_->rs);
+  registro_.reset();
+  Recordset rs = letto ? std::move(*letto) : cn->Apri("Progressivi Numerazione Vorn", w, p);
   if (rs.Eof()) {
     rs.AddNew();
   } else {
@@ -1283,7 +1306,12 @@ int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   // journal: two clients never get the same number, and a rollback gives it back.
   clsProgAzienda progressivi;
   progressivi.cn = cn;
-  const int32_t n = progressivi.PrendiNumeroRegistrazione();
+  LettureDopoNumero dopo;
+  const bool registro = registro_ && !registro_->rs && cn->Livello() > 0;
+  if (registro) dopo.aperture.push_back(cn->PreparaApri("Progressivi Numerazione Vorn", registro_->where, registro_->p));
+  else registro_.reset();
+  const int32_t n = progressivi.PrendiNumeroRegistrazione(dopo);
+  if (registro) registro_->rs = std::move(dopo.letti.at(0));
   // Above every number of the journal, and the counter stays locked until the commit: the entry
   // has no row yet, and its rows written in this transaction need not be looked for.
   if (RegistrazioniNuoveValide()) letture_.registrazioniNuove.insert(Format(Valore(n), "00000"));

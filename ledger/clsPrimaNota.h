@@ -101,6 +101,12 @@ class clsPrimaNota {
                                     const Valore& SerieDocumento, const Valore& NumeroDocumento,
                                     const Valore& DataDocumento, const Valore& NumeroDiProtocollo,
                                     const Valore& clientID, long hWnd);
+  // For a caller that knows the entry's register before taking its number: the register's
+  // counter row is read with the number (on PostgreSQL in the same round trip), for
+  // AggiornaProgressiviPrimaNota of that entry in the same transaction. The same arguments as
+  // there.
+  void AnticipaProgressiviPrimaNota(const Valore& TipoRegistroIva, const Valore& NumRegistroIva,
+                                    const Valore& SerieDocumento);
   bool AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistrazionePN, const Valore& clientID, long hWnd);
   // False when it wrote nothing: a lower number, or a refused prompt about an earlier date.
   bool AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, const Valore& NumeroRegistro,
@@ -280,6 +286,16 @@ class clsPrimaNota {
   // the company's row is there until it ends.
   const Connessione* cnNumero_ = nullptr;
   uint64_t serieNumero_ = 0;
+  // The register's counter row asked for with the next entry number, then read with it (in the
+  // transaction cnNumero_/serieNumero_).
+  struct ContatoreRegistro {
+    std::string where;
+    Parametri p;
+    std::optional<Recordset> rs;
+  };
+  std::optional<ContatoreRegistro> registro_;
+  static void FiltroRegistro(std::string& w, Parametri& p, const Valore& TipoRegistro, const Valore& NumeroRegistro,
+                             const Valore& SerieDocumento);
   std::optional<MovimentiSaldi> raccolta_;
   std::map<std::string, bool> upsert_;  // table -> its key allows INSERT ... ON CONFLICT
   struct Avviso {

@@ -730,7 +730,8 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         };
         auto esisteConto = [&](const std::string& conto) { return EsisteContoCorsa(pn, conto); };
 
-        // The main registration.
+        // The main registration; its register's counter is read with its number.
+        pn.AnticipaProgressiviPrimaNota(Valore(tipoRegistro), Valore(numRegistro), serie);
         const int32_t nReg = pn.GetNumeroNuovaRegistrazionePrimaNota();
         ++registrazioni;
         const Valore vReg = Valore(Format(Valore(nReg), "00000"));
