@@ -20,6 +20,7 @@ namespace vorn {
 namespace {
 
 const char* const kTabella = "Prima Nota";
+const char* const kTabellaRegistri = "Progressivi Numerazione Vorn";  // the registers' document counters
 
 bool Vuoto(const Valore& v) { return v.IsNull() || v.IsEmpty() || (v.IsText() && v.Str().empty()); }
 
@@ -1223,14 +1224,15 @@ bool clsPrimaNota::AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, con
   std::string w;
   Parametri p;
   FiltroRegistro(w, p, TipoRegistro, NumeroRegistro, SerieDocumento);
-  // The row read with the entry number, under the counter's lock, when it is this one and the
-  // transaction is still that one.
+  // The row read with the entry number, under the counter's lock, when it is this one, the
+  // transaction is still that one and nothing has written the table since.
   std::optional<Recordset> letto;
   if (registro_ && registro_->rs && registro_->where == w && registro_->p == p && cnNumero_ == cn.get() &&
-      serieNumero_ == cn->SerieTransazione() && cn->Livello() > 0)
+      serieNumero_ == cn->SerieTransazione() && cn->Livello() > 0 &&
+      registro_->scritture == cn->ScrittureDi(kTabellaRegistri))
     letto = std::move(registro_->rs);
   registro_.reset();
-  Recordset rs = letto ? std::move(*letto) : cn->Apri("Progressivi Numerazione Vorn", w, p);
+  Recordset rs = letto ? std::move(*letto) : cn->Apri(kTabellaRegistri, w, p);
   if (rs.Eof()) {
     rs.AddNew();
   } else {
@@ -1308,10 +1310,13 @@ int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   progressivi.cn = cn;
   LettureDopoNumero dopo;
   const bool registro = registro_ && !registro_->rs && cn->Livello() > 0;
-  if (registro) dopo.aperture.push_back(cn->PreparaApri("Progressivi Numerazione Vorn", registro_->where, registro_->p));
+  if (registro) dopo.aperture.push_back(cn->PreparaApri(kTabellaRegistri, registro_->where, registro_->p));
   else registro_.reset();
   const int32_t n = progressivi.PrendiNumeroRegistrazione(dopo);
-  if (registro) registro_->rs = std::move(dopo.letti.at(0));
+  if (registro) {
+    registro_->rs = std::move(dopo.letti.at(0));
+    registro_->scritture = cn->ScrittureDi(kTabellaRegistri);
+  }
   // Above every number of the journal, and the counter stays locked until the commit: the entry
   // has no row yet, and its rows written in this transaction need not be looked for.
   if (RegistrazioniNuoveValide()) letture_.registrazioniNuove.insert(Format(Valore(n), "00000"));

@@ -292,6 +292,7 @@ class clsPrimaNota {
     std::string where;
     Parametri p;
     std::optional<Recordset> rs;
+    uint64_t scritture = 0;  // writes to the counters' table when it was read
   };
   std::optional<ContatoreRegistro> registro_;
   static void FiltroRegistro(std::string& w, Parametri& p, const Valore& TipoRegistro, const Valore& NumeroRegistro,

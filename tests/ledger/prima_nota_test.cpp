@@ -576,6 +576,41 @@ TEST_P(PrimaNotaTest, DocumentCountersNeverGoBackWithoutAsking) {
   EXPECT_EQ(Conta("Progressivi Azienda Vorn"), 1);
 }
 
+TEST_P(PrimaNotaTest, ARegisterRowReadWithTheNumberNeverStandsForAnotherOrAStaleOne) {
+  auto ultimo = [&](const char* serie) {
+    return NullToZeroLng(cn->Scalare("SELECT [NumeroUltimoDoc] FROM [Progressivi Numerazione Vorn] WHERE "
+                                     "[TipoRegistro] = '1' AND [NumeroRegistro] = '01' AND [SerieDocumento] = ?",
+                                     {Valore(serie)}));
+  };
+  EXPECT_TRUE(pn.AggiornaNumeroUltimoDocumento(Valore("1"), Valore("01"), Valore("A"), Valore(10), Valore("15/01/2024")));
+  cn->BeginTrans();
+  // Read for series A; series B is written first, from its own row.
+  pn.AnticipaProgressiviPrimaNota(Valore("1"), Valore("01"), Valore("A"));
+  EXPECT_EQ(pn.GetNumeroNuovaRegistrazionePrimaNota(), 1);
+  EXPECT_TRUE(pn.AggiornaNumeroUltimoDocumento(Valore("1"), Valore("01"), Valore("B"), Valore(3), Valore("16/01/2024")));
+  // An earlier date still asks, and no keeps A's counter.
+  EXPECT_FALSE(pn.AggiornaNumeroUltimoDocumento(Valore("1"), Valore("01"), Valore("A"), Valore(12), Valore("10/01/2024")));
+  EXPECT_EQ(host->Messaggi().size(), 1u);
+  cn->CommitTrans();
+  EXPECT_EQ(ultimo("A"), 10);
+  EXPECT_EQ(ultimo("B"), 3);
+
+  // A's row changed after it was read with the number: the change is seen, 15 does not go over 20.
+  cn->BeginTrans();
+  pn.AnticipaProgressiviPrimaNota(Valore("1"), Valore("01"), Valore("A"));
+  EXPECT_EQ(pn.GetNumeroNuovaRegistrazionePrimaNota(), 2);
+  cn->Esegui("UPDATE [Progressivi Numerazione Vorn] SET [NumeroUltimoDoc] = 20 WHERE [SerieDocumento] = 'A'");
+  EXPECT_FALSE(pn.AggiornaNumeroUltimoDocumento(Valore("1"), Valore("01"), Valore("A"), Valore(15), Valore("20/01/2024")));
+  // Read with the number and used as read: 21 on a later date is written.
+  pn.AnticipaProgressiviPrimaNota(Valore("1"), Valore("01"), Valore("A"));
+  EXPECT_EQ(pn.GetNumeroNuovaRegistrazionePrimaNota(), 3);
+  EXPECT_TRUE(pn.AggiornaProgressiviPrimaNota(Valore("00003"), Valore("21/01/2024"), Valore("1"), Valore("01"),
+                                              Valore("A"), Valore(21), Valore("21/01/2024"), Valore(0), Valore("prova"), 1));
+  cn->CommitTrans();
+  EXPECT_EQ(ultimo("A"), 21);
+  EXPECT_EQ(NullToZeroLng(cn->Scalare("SELECT [UltimaRegistrazionePN] FROM [Progressivi Azienda Vorn]")), 3);
+}
+
 VORN_SU_DUE_MOTORI(PrimaNotaTest);
 
 TEST(PrimaNotaCalcoli, VatDateOfARoadHaulier) {
