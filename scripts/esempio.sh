@@ -24,6 +24,19 @@ mkdir "$tmp/azienda"
 "$tmp/cliente/cliente" "$tmp/azienda" >"$tmp/uscita.txt" 2>&1 || fallito "l'esempio termina con errore" "$tmp/uscita.txt"
 grep -q "mastrino del fornitore F1" "$tmp/uscita.txt" || fallito "l'esempio non stampa il mastrino" "$tmp/uscita.txt"
 grep -q "1.220,00" "$tmp/uscita.txt" || fallito "il mastrino non porta la fattura" "$tmp/uscita.txt"
+# The same on PostgreSQL, in a database of its own that the example removes, when the test
+# command has started a server.
+if [ -n "${VORN_PG_HOST:-}" ]; then
+  mkdir "$tmp/azienda-pg"
+  "$tmp/cliente/cliente" "$tmp/azienda-pg" "vorn_esempio_$$" >"$tmp/uscita-pg.txt" 2>&1 ||
+    fallito "l'esempio su PostgreSQL termina con errore" "$tmp/uscita-pg.txt"
+  diff "$tmp/uscita.txt" "$tmp/uscita-pg.txt" >"$tmp/diff-pg.txt" ||
+    fallito "il mastrino su PostgreSQL non è quello su SQLite" "$tmp/diff-pg.txt"
+  motori="SQLite e PostgreSQL"
+else
+  echo "esempio: PostgreSQL saltato (VORN_PG_HOST non impostato)" >&2
+  motori="SQLite"
+fi
 
 # Through pkg-config.
 export PKG_CONFIG_PATH="$prefisso/lib/pkgconfig"
@@ -45,4 +58,4 @@ for f in ./usr/include/vorn/ledger/clsPrimaNota.h ./usr/lib/libvorn.a ./usr/bin/
 done
 dpkg-deb --field "$deb" Depends | grep -q "libpq" || fallito "il pacchetto non dichiara libpq"
 dpkg-deb --field "$deb" Depends | grep -q "libcrypt-dev" || fallito "il pacchetto non dichiara libcrypt"
-echo "esempio: installato, compilato (CMake e pkg-config), eseguito; pacchetto $(basename "$deb") completo"
+echo "esempio: installato, compilato (CMake e pkg-config), eseguito su $motori; pacchetto $(basename "$deb") completo"

@@ -1,12 +1,18 @@
 // The smallest client of the library: it makes a company from the standard model, posts a
 // purchase invoice with its VAT row through the journal, and prints the supplier's ledger card.
 //
-//   cliente FOLDER   the company is FOLDER/azienda.db (made anew), the prints go under FOLDER/Temp
+//   cliente FOLDER            the company is FOLDER/azienda.db (made anew), the prints go under
+//                             FOLDER/Temp
+//   cliente FOLDER DATABASE   the company is a new PostgreSQL database of that name on the server
+//                             of VORN_PG_HOST, VORN_PG_PORT, VORN_PG_USER, VORN_PG_PASSWORD,
+//                             removed at the end
 //
 // The library talks to the user only through the host the application gives it: here, the
 // terminal.
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
 
 #include "frame/Formato.h"
@@ -34,26 +40,59 @@ class HostTerminale : public vorn::IHost {
   std::string cartella_;
 };
 
+std::string Ambiente(const char* nome) {
+  const char* v = std::getenv(nome);
+  return v ? v : "";
+}
+
+// A PostgreSQL company this program made, removed when the program ends.
+struct AziendaPostgres {
+  vorn::ParametriPostgres p;
+  ~AziendaPostgres() {
+    try {
+      vorn::EliminaAziendaPostgres(p);
+    } catch (const std::exception& e) {
+      std::cerr << "errore: " << e.what() << "\n";
+    }
+  }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   using namespace vorn;
-  if (argc != 2) {
-    std::cerr << "uso: cliente CARTELLA\n";
+  if (argc != 2 && argc != 3) {
+    std::cerr << "uso: cliente CARTELLA [DATABASE]\n";
     return 2;
   }
   const std::string cartella = argv[1];
   HostTerminale host(cartella);
   ImpostaHost(&host);
   ImpostaCartellaModelli(CARTELLA_MODELLI);
+  std::optional<AziendaPostgres> server;
   try {
-    // A new company: the schema and the standard model in one go; an existing file is refused.
-    const std::string file = cartella + "/azienda.db";
-    CreaAziendaSqlite(file, [](Connessione& cn) { CaricaModello(cn, "standard"); })->Close();
-
+    // A new company: the schema and the standard model in one go; an existing file (or a
+    // database with a company in it) is refused.
+    auto modello = [](Connessione& cn) { CaricaModello(cn, "standard"); };
     // Opened as a client opens it: the company's parameters are loaded for the process.
     clsDB db;
-    if (!db.ConnettiDatabaseSQLite(Valore(file))) return 1;
+    if (argc == 3) {
+      ParametriPostgres p;
+      p.database = argv[2];
+      p.host = Ambiente("VORN_PG_HOST");
+      p.port = Ambiente("VORN_PG_PORT");
+      p.user = Ambiente("VORN_PG_USER");
+      p.password = Ambiente("VORN_PG_PASSWORD");
+      CreaAziendaPostgres(p, modello)->Close();
+      server.emplace().p = p;
+      if (!db.ConnettiDatabasePostgreSQL(Valore(p.database), Valore(p.host + (p.port.empty() ? "" : ":" + p.port)),
+                                         Valore(p.user), Valore(p.password)))
+        return 1;
+    } else {
+      const std::string file = cartella + "/azienda.db";
+      CreaAziendaSqlite(file, modello)->Close();
+      if (!db.ConnettiDatabaseSQLite(Valore(file))) return 1;
+    }
     db.cn->Esegui("INSERT INTO [Anagrafica Fornitori] ([Codice Cliente], [Ragione Sociale], [SottocontoApparten]) "
                   "VALUES (?, ?, ?)",
                   {Valore("F1"), Valore("Bianchi Forniture Spa"), Valore("1301001")});
