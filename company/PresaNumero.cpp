@@ -115,10 +115,12 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
 int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dopo) {
   dopo.letti.clear();
   auto leggiDopo = [&] {
-    for (const auto& a : dopo.aperture) {
-      auto r = cn.EseguiInsieme({{a.sql, a.p}});
-      dopo.letti.push_back(cn.ApriDa(a, std::move(r[0].rs)));
-    }
+    if (dopo.aperture.empty()) return;
+    std::vector<std::pair<std::string, Parametri>> letture;
+    for (const auto& a : dopo.aperture) letture.emplace_back(a.sql, a.p);
+    auto risposte = cn.EseguiInsieme(letture);
+    for (size_t i = 0; i < dopo.aperture.size(); ++i)
+      dopo.letti.push_back(cn.ApriDa(dopo.aperture[i], std::move(risposte[i].rs)));
   };
   // No savepoint of its own inside the caller's transaction on PostgreSQL (two more round trips
   // for every number): a statement that fails here fails the caller's transaction, and a

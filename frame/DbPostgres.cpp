@@ -460,10 +460,14 @@ class ConnessionePostgres final : public Connessione {
   // nobody reads, inside one transaction, so they land or fail together either way.
   static void UnisciInserimenti(std::vector<InCoda>& coda) {
     constexpr size_t kMassimoRighe = 32;
+    bool coppia = false;
+    for (size_t i = 1; i < coda.size() && !coppia; ++i) coppia = coda[i].sql == coda[i - 1].sql;
+    if (!coppia) return;
     std::vector<InCoda> unite;
     for (size_t i = 0; i < coda.size();) {
       size_t riga = 0;
-      const int k = coda[i].p.empty() ? 0 : ParametriRigaSola(coda[i].sql, riga);
+      const bool seguito = i + 1 < coda.size() && coda[i + 1].sql == coda[i].sql;
+      const int k = !seguito || coda[i].p.empty() ? 0 : ParametriRigaSola(coda[i].sql, riga);
       size_t j = i + 1;
       if (k > 0) {
         const size_t massimo = std::min(kMassimoRighe, static_cast<size_t>(65535 / k));

@@ -508,26 +508,39 @@ bool ChiaveUpsert(Connessione& cn, ChiaviUpsert& cache, const std::string& tabel
   return ok;
 }
 
+// The table of a balance row: 'S' a sub-account, 'C' a client, 'F' a supplier.
+const ColonneSaldo& ColonneDi(char tipo) {
+  return tipo == 'S' ? kSaldiConti : tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
+}
+const SqlSaldo& SqlDi(char tipo) { return tipo == 'S' ? SqlConti() : tipo == 'C' ? SqlClienti() : SqlFornitori(); }
+
+// The values of a new balance row (SqlSaldo::inserisci, one row of upsertRighe): its key, then
+// the three movements.
+void ValoriRigaSaldo(Parametri& p, const ChiaveSaldo& chiave, const DeltaSaldo& d) {
+  if (chiave.tipo == 'S') {
+    p.insert(p.end(), {Valore(chiave.a), Valore(chiave.b), Valore(chiave.c)});
+  } else {
+    // A posting is never lost for want of a master record: the new row is named with its code.
+    p.insert(p.end(), {Valore(chiave.a), Valore(chiave.a)});
+  }
+  p.insert(p.end(), {Valore(d.iniziale), Valore(d.dare), Valore(d.avere)});
+}
+
 // One balance row without an upsert: a code with empty parts (the row may hold '' or Null
 // there), or a table whose key is not the balance's.
 void ScriviSaldoRiga(Connessione& cn, const ChiaveSaldo& chiave, const DeltaSaldo& d) {
-  const bool conto = chiave.tipo == 'S';
-  const SqlSaldo& q = conto ? SqlConti() : chiave.tipo == 'C' ? SqlClienti() : SqlFornitori();
+  const SqlSaldo& q = SqlDi(chiave.tipo);
   const int mask = MascheraDelta(d.tocca);
   const Importo v[3] = {d.iniziale, d.dare, d.avere};
   std::string w;
-  Parametri p, pw;
-  if (conto) {
-    p = {Valore(chiave.a), Valore(chiave.b), Valore(chiave.c)};
+  Parametri pw;
+  if (chiave.tipo == 'S') {
     FiltroTesto(w, pw, "[CodiceGruppo]", Valore(chiave.a));
     FiltroTesto(w, pw, "[CodiceConto]", Valore(chiave.b));
     FiltroTesto(w, pw, "[CodiceSottoconto]", Valore(chiave.c));
   } else {
-    // A posting is never lost for want of a master record: the new row is named with its code.
-    p = {Valore(chiave.a), Valore(chiave.a)};
     FiltroTesto(w, pw, "[Codice Cliente]", Valore(chiave.a));
   }
-  p.insert(p.end(), {Valore(v[0]), Valore(v[1]), Valore(v[2])});
   if (mask) {
     Parametri pu;
     AggiungiDelta(pu, v, mask);
@@ -536,6 +549,8 @@ void ScriviSaldoRiga(Connessione& cn, const ChiaveSaldo& chiave, const DeltaSald
   } else if (!cn.Execute(q.esiste + w + " LIMIT 1", pw).Eof()) {
     return;
   }
+  Parametri p;
+  ValoriRigaSaldo(p, chiave, d);
   cn.Esegui(q.inserisci, p);
 }
 
@@ -552,25 +567,19 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
     righe = 0;
   };
   for (const auto& [chiave, d] : m) {
-    const bool conto = chiave.tipo == 'S';
-    const ColonneSaldo& cs = conto ? kSaldiConti : chiave.tipo == 'C' ? kSaldiClienti : kSaldiFornitori;
-    const SqlSaldo& sq = conto ? SqlConti() : chiave.tipo == 'C' ? SqlClienti() : SqlFornitori();
-    const bool completa = conto ? !chiave.a.empty() && !chiave.b.empty() && !chiave.c.empty() : !chiave.a.empty();
+    const ColonneSaldo& cs = ColonneDi(chiave.tipo);
+    const bool completa =
+        chiave.tipo == 'S' ? !chiave.a.empty() && !chiave.b.empty() && !chiave.c.empty() : !chiave.a.empty();
     if (!completa || !ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
       scrivi();
       ScriviSaldoRiga(cn, chiave, d);
       continue;
     }
+    const SqlSaldo& sq = SqlDi(chiave.tipo);
     if (q != &sq || righe == SqlSaldo::kRigheUpsert) scrivi();
     q = &sq;
     ++righe;
-    if (conto) {
-      p.insert(p.end(), {Valore(chiave.a), Valore(chiave.b), Valore(chiave.c)});
-    } else {
-      // A posting is never lost for want of a master record: the new row is named with its code.
-      p.insert(p.end(), {Valore(chiave.a), Valore(chiave.a)});
-    }
-    p.insert(p.end(), {Valore(d.iniziale), Valore(d.dare), Valore(d.avere)});
+    ValoriRigaSaldo(p, chiave, d);
   }
   scrivi();
 }
@@ -1165,12 +1174,12 @@ bool clsPrimaNota::AggiornaProgressiviPrimaNota(const Valore& numeroRegistrazion
                                                 const Valore& SerieDocumento, const Valore& NumeroDocumento,
                                                 const Valore& DataDocumento, const Valore& NumeroDiProtocollo,
                                                 const Valore& clientID, long hWnd) {
-  std::string tipo = T(TipoRegistroIva);
-  if (tipo == "1" || tipo == "3" || tipo == "5")
-    AggiornaNumeroUltimoDocumento(TipoRegistroIva, NumRegistroIva, SerieDocumento, NumeroDocumento, DataDocumento);
-  else if (tipo == "2")
-    // A purchase register counts protocols, by registration date, and has no series.
-    AggiornaNumeroUltimoDocumento(TipoRegistroIva, NumRegistroIva, Valore(""), NumeroDiProtocollo, DataRegistrazione);
+  if (auto serie = SerieContatoreRegistro(TipoRegistroIva, SerieDocumento)) {
+    // A purchase register counts protocols, by registration date.
+    const bool acquisti = T(TipoRegistroIva) == "2";
+    AggiornaNumeroUltimoDocumento(TipoRegistroIva, NumRegistroIva, *serie, acquisti ? NumeroDiProtocollo : NumeroDocumento,
+                                  acquisti ? DataRegistrazione : DataDocumento);
+  }
   return AggiornaNumeroUltimaRegistrazione(numeroRegistrazione, clientID, hWnd);
 }
 
@@ -1197,6 +1206,14 @@ bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistr
   return true;
 }
 
+std::optional<Valore> clsPrimaNota::SerieContatoreRegistro(const Valore& TipoRegistroIva, const Valore& SerieDocumento) {
+  const std::string tipo = T(TipoRegistroIva);
+  if (tipo == "1" || tipo == "3" || tipo == "5") return SerieDocumento;
+  // A purchase register's counter has no series.
+  if (tipo == "2") return Valore("");
+  return std::nullopt;
+}
+
 void clsPrimaNota::FiltroRegistro(std::string& w, Parametri& p, const Valore& TipoRegistro, const Valore& NumeroRegistro,
                                   const Valore& SerieDocumento) {
   FiltroTesto(w, p, "[TipoRegistro]", TipoRegistro);
@@ -1209,12 +1226,10 @@ void clsPrimaNota::FiltroRegistro(std::string& w, Parametri& p, const Valore& Ti
 void clsPrimaNota::AnticipaProgressiviPrimaNota(const Valore& TipoRegistroIva, const Valore& NumRegistroIva,
                                                 const Valore& SerieDocumento) {
   registro_.reset();
-  const std::string tipo = T(TipoRegistroIva);
-  if (tipo != "1" && tipo != "3" && tipo != "5" && tipo != "2") return;
+  auto serie = SerieContatoreRegistro(TipoRegistroIva, SerieDocumento);
+  if (!serie) return;
   registro_.emplace();
-  // A purchase register counts protocols and has no series (AggiornaProgressiviPrimaNota).
-  FiltroRegistro(registro_->where, registro_->p, TipoRegistroIva, NumRegistroIva,
-                 tipo == "2" ? Valore("") : SerieDocumento);
+  FiltroRegistro(registro_->where, registro_->p, TipoRegistroIva, NumRegistroIva, *serie);
 }
 
 bool clsPrimaNota::AggiornaNumeroUltimoDocumento(const Valore& TipoRegistro, const Valore& NumeroRegistro,

@@ -295,6 +295,9 @@ class clsPrimaNota {
     uint64_t scritture = 0;  // writes to the counters' table when it was read
   };
   std::optional<ContatoreRegistro> registro_;
+  // The series under which a register of this kind keeps its document or protocol counter;
+  // none for a register without one.
+  static std::optional<Valore> SerieContatoreRegistro(const Valore& TipoRegistroIva, const Valore& SerieDocumento);
   static void FiltroRegistro(std::string& w, Parametri& p, const Valore& TipoRegistro, const Valore& NumeroRegistro,
                              const Valore& SerieDocumento);
   std::optional<MovimentiSaldi> raccolta_;
