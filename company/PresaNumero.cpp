@@ -114,6 +114,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c) {
 
 int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dopo) {
   dopo.letti.clear();
+  dopo.scrittura = 0;
   auto leggiDopo = [&] {
     if (dopo.aperture.empty()) return;
     std::vector<std::pair<std::string, Parametri>> letture;
@@ -150,8 +151,39 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dop
       int64_t ultimo = InteroDi(contatore(0).Value());
       if (risposte.size() > 1 && !risposte[1].rs.Eof()) ultimo = std::max(ultimo, InteroDi(risposte[1].rs(0).Value()));
       int64_t nuovo = successivo(ultimo);
-      cn.EseguiInCoda("UPDATE [" + c.tabella + "] SET [" + c.colonna + "] = ? WHERE ctid = ?",
-                      {Valore(static_cast<long long>(nuovo)), contatore(1).Value()});
+      dopo.scrittura = cn.EseguiInCoda("UPDATE [" + c.tabella + "] SET [" + c.colonna + "] = ? WHERE ctid = ?",
+                                       {Valore(static_cast<long long>(nuovo)), contatore(1).Value()});
+      transazione.Conferma();
+      return static_cast<int32_t>(nuovo);
+    }
+  }
+  if (!cn.IsPostgres()) {
+    // The write transaction keeps other writers out: the counter's row (the highest, as the
+    // read below takes it) is raised in one statement from the higher of itself and the highest
+    // number in use, and read back. No row: it is made below.
+    VerificaNome(c.tabella);
+    VerificaNome(c.colonna, "colonna");
+    const std::string t = "[" + c.tabella + "]", col = "[" + c.colonna + "]";
+    Parametri p;
+    std::string massimo = "0";
+    if (!c.sqlMassimo.empty()) {
+      massimo = "COALESCE((" + c.sqlMassimo + "), 0)";
+      p = c.parametriMassimo;
+    }
+    p.insert(p.end(), c.parametri.begin(), c.parametri.end());
+    Recordset alzato = cn.Execute("UPDATE " + t + " SET " + col + " = MAX(COALESCE(CAST(" + col + " AS INTEGER), 0), " +
+                                      massimo + ") + 1 WHERE rowid = (SELECT rowid FROM " + t +
+                                      (c.where.empty() ? "" : " WHERE " + c.where) + " ORDER BY COALESCE(" + col +
+                                      ", 0) DESC LIMIT 1) RETURNING " + col + ", rowid",
+                                  p);
+    if (!alzato.Eof()) {
+      const int64_t nuovo = InteroDi(alzato(0).Value());
+      if (nuovo > std::numeric_limits<int32_t>::max()) {
+        cn.Esegui("UPDATE " + t + " SET " + col + " = ? WHERE rowid = ?",
+                  {Valore(static_cast<long long>(nuovo - 1)), alzato(1).Value()});
+        successivo(nuovo - 1);
+      }
+      leggiDopo();
       transazione.Conferma();
       return static_cast<int32_t>(nuovo);
     }

@@ -78,9 +78,12 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c);
 // Rows that the caller reads once the counter is locked, in the same transaction: on
 // PostgreSQL in the counter's own round trip. The recordsets come back in `letti`, editable,
 // in the order of `aperture`.
+// `scrittura` is the counter's write while it waits to be sent (Connessione::EseguiInCoda), 0
+// when it has gone.
 struct LettureDopoNumero {
   std::vector<Connessione::Apertura> aperture;
   std::vector<Recordset> letti;
+  uint64_t scrittura = 0;
 };
 int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dopo);
 

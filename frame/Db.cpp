@@ -590,14 +590,27 @@ int64_t Connessione::Esegui(std::string_view sql, const Parametri& p) {
   return EseguiInterno(Traduci(sql), n.empty() ? p : n, false).righe;
 }
 
-void Connessione::EseguiInCoda(std::string_view sql, const Parametri& p) {
+uint64_t Connessione::EseguiInCoda(std::string_view sql, const Parametri& p, std::shared_ptr<int64_t> righe) {
   RifiutaControlloTransazione(sql);
   PrimaDi(sql);
   Parametri n = Normalizza(p);
   std::string testo = Traduci(sql);
-  if (livello_ > 0 && Accoda(testo, n.empty() ? p : n)) return;
-  EseguiInterno(testo, n.empty() ? p : n, false);
+  if (livello_ > 0)
+    if (uint64_t id = Accoda(testo, n.empty() ? p : n, righe)) return id;
+  const int64_t toccate = EseguiInterno(testo, n.empty() ? p : n, false).righe;
+  if (righe) *righe = toccate;
+  return 0;
 }
+
+bool Connessione::SostituisciInCoda(uint64_t id, std::string_view sql, const Parametri& p) {
+  if (id == 0) return false;
+  RifiutaControlloTransazione(sql);
+  PrimaDi(sql);
+  Parametri n = Normalizza(p);
+  return SostituisciInterno(id, Traduci(sql), n.empty() ? p : n);
+}
+
+void Connessione::InviaCoda() { InviaCodaInterno(); }
 
 std::vector<Connessione::Risposta> Connessione::EseguiInsieme(
     const std::vector<std::pair<std::string, Parametri>>& istruzioni) {

@@ -262,7 +262,18 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   // statement, in one round trip (before any statement, savepoint or commit of this
   // connection). Its error, if any, is then thrown by that later statement, and the transaction
   // can only be rolled back. Outside a transaction, and on SQLite, it runs at once.
-  void EseguiInCoda(std::string_view sql, const Parametri& p);
+  // The id of a write still waiting (0 when it ran at once), for SostituisciInCoda. With
+  // `righe`, the count of rows it touched goes there once it has run: at once on SQLite, with
+  // the statement it waited for on PostgreSQL; it stays as it was if the write is dropped by a
+  // rollback before being sent.
+  uint64_t EseguiInCoda(std::string_view sql, const Parametri& p, std::shared_ptr<int64_t> righe = nullptr);
+  // The write `id`, still waiting, becomes `sql`: it then runs in the place of the one it
+  // replaces. For a write that makes the earlier one needless (it writes again everything that
+  // wrote), when nothing queued since reads or writes what it writes. False when the write has
+  // already been sent (or ran at once): the caller runs `sql` itself.
+  bool SostituisciInCoda(uint64_t id, std::string_view sql, const Parametri& p);
+  // The writes waiting, sent now.
+  void InviaCoda();
   // Statements sent together and run one after the other, each as Execute would run it: on
   // PostgreSQL in one round trip, behind the writes waiting. Each sees what the ones before
   // it did and what other sessions committed before it began, so a row locked by one
@@ -362,8 +373,12 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual void ScorriInterno(const std::string& sql, const Parametri& p,
                              const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) = 0;
   virtual std::vector<std::string> LeggiChiave(const std::string& tabella) = 0;
-  // Takes a write to send later (EseguiInCoda); false: run it now.
-  virtual bool Accoda(const std::string& /*sql*/, const Parametri& /*p*/) { return false; }
+  // Takes a write to send later (EseguiInCoda) and gives its id; 0: run it now.
+  virtual uint64_t Accoda(const std::string& /*sql*/, const Parametri& /*p*/, std::shared_ptr<int64_t> /*righe*/) {
+    return 0;
+  }
+  virtual bool SostituisciInterno(uint64_t /*id*/, const std::string& /*sql*/, const Parametri& /*p*/) { return false; }
+  virtual void InviaCodaInterno() {}
   virtual std::string ColonnaRid() const = 0;  // "rowid" or "ctid"
   // Transaction statements of the engine, run outside the checks of Esegui.
   virtual void Controllo(const char* sql) = 0;

@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <list>
 #include <unordered_map>
@@ -127,7 +128,7 @@ class ConnessionePostgres final : public Connessione {
     // The transaction's start waits for its first statement and goes to the server with it, in
     // the same round trip. Until then the server knows of no transaction.
     if (std::strcmp(sql, TestoInizio()) == 0 && coda_.empty() && !InTransazione()) {
-      coda_.push_back({sql, {}});
+      coda_.push_back({sql, {}, nullptr, 0});
       inizioInCoda_ = true;
       return;
     }
@@ -232,18 +233,36 @@ class ConnessionePostgres final : public Connessione {
     return out;
   }
 
-  bool Accoda(const std::string& sql, const Parametri& p) override {
-    if (!c_ || p.empty() || !DaPreparare(sql) || !InTransazione()) return false;
-    coda_.push_back({sql, p});
+  uint64_t Accoda(const std::string& sql, const Parametri& p, std::shared_ptr<int64_t> righe) override {
+    if (!c_ || p.empty() || !DaPreparare(sql) || !InTransazione()) return 0;
+    const uint64_t id = ++ultimoInCoda_;
+    coda_.push_back({sql, p, std::move(righe), id});
     if (coda_.size() >= kMassimoCoda) Svuota();
-    return true;
+    return id;
+  }
+
+  bool SostituisciInterno(uint64_t id, const std::string& sql, const Parametri& p) override {
+    if (p.empty() || !DaPreparare(sql)) return false;
+    for (auto& q : coda_) {
+      if (q.id != id) continue;
+      q.sql = sql;
+      q.p = p;
+      q.righe.reset();
+      return true;
+    }
+    return false;
+  }
+
+  void InviaCodaInterno() override {
+    Assicura();
+    Svuota();
   }
 
   std::vector<Esito> EseguiInsiemeInterno(const std::vector<std::pair<std::string, Parametri>>& istruzioni) override {
     Assicura();
     std::vector<InCoda> letture;
     letture.reserve(istruzioni.size());
-    for (const auto& [sql, p] : istruzioni) letture.push_back({sql, p});
+    for (const auto& [sql, p] : istruzioni) letture.push_back({sql, p, nullptr, 0});
     std::vector<Esito> esiti;
     Invia(std::move(letture), true, esiti);
     return esiti;
@@ -342,6 +361,8 @@ class ConnessionePostgres final : public Connessione {
   struct InCoda {
     std::string sql;
     Parametri p;
+    std::shared_ptr<int64_t> righe;  // where the count of rows it touched goes, if anyone reads it
+    uint64_t id = 0;
   };
   static constexpr size_t kMassimoCoda = 200;
 
@@ -358,7 +379,7 @@ class ConnessionePostgres final : public Connessione {
   // answer has been read (the server skips what follows it, and the transaction is failed).
   void Invia(const std::string& sql, const Parametri& p, bool righe, Esito& e) {
     std::vector<InCoda> letture;
-    if (!sql.empty()) letture.push_back({sql, p});
+    if (!sql.empty()) letture.push_back({sql, p, nullptr, 0});
     std::vector<Esito> esiti;
     Invia(std::move(letture), righe, esiti);
     if (!esiti.empty()) e = std::move(esiti.front());
@@ -415,6 +436,8 @@ class ConnessionePostgres final : public Connessione {
         if (i >= primaLettura && st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) {
           Raccogli(r, esiti[i - primaLettura], righe);
           ++letti;
+        } else if (i < primaLettura && coda[i].righe && st == PGRES_COMMAND_OK) {
+          *coda[i].righe = std::atoll(PQcmdTuples(r));
         }
         PQclear(r);
       }
@@ -466,12 +489,12 @@ class ConnessionePostgres final : public Connessione {
     std::vector<InCoda> unite;
     for (size_t i = 0; i < coda.size();) {
       size_t riga = 0;
-      const bool seguito = i + 1 < coda.size() && coda[i + 1].sql == coda[i].sql;
+      const bool seguito = i + 1 < coda.size() && coda[i + 1].sql == coda[i].sql && !coda[i].righe;
       const int k = !seguito || coda[i].p.empty() ? 0 : ParametriRigaSola(coda[i].sql, riga);
       size_t j = i + 1;
       if (k > 0) {
         const size_t massimo = std::min(kMassimoRighe, static_cast<size_t>(65535 / k));
-        while (j < coda.size() && j - i < massimo && coda[j].sql == coda[i].sql) ++j;
+        while (j < coda.size() && j - i < massimo && coda[j].sql == coda[i].sql && !coda[j].righe) ++j;
       }
       if (j - i < 2) {
         unite.push_back(std::move(coda[i++]));
@@ -582,6 +605,7 @@ class ConnessionePostgres final : public Connessione {
   unsigned contatore_ = 0;
   unsigned svuotamenti_ = 0;  // times the prepared statements were all dropped
   std::vector<InCoda> coda_;
+  uint64_t ultimoInCoda_ = 0;
   bool inizioInCoda_ = false;  // BEGIN is the first of coda_, not yet sent
 };
 

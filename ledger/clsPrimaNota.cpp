@@ -1192,7 +1192,10 @@ bool clsPrimaNota::AggiornaNumeroUltimaRegistrazione(const Valore& UltimaRegistr
   // In the transaction that took the entry number the row is there (the number was taken from
   // it, under its lock): the write goes with the next statement.
   if (serieNumero_ != 0 && cnNumero_ == cn.get() && serieNumero_ == cn->SerieTransazione()) {
-    cn->EseguiInCoda(sql, valori);
+    // The number's own write of the counter, if it is still waiting, becomes this one: the row
+    // is written once. Nothing between the two touches the company's row.
+    const uint64_t scrittura = std::exchange(scritturaNumero_, 0);
+    if (!cn->SostituisciInCoda(scrittura, sql, valori)) cn->EseguiInCoda(sql, valori);
     return true;
   }
   // The company's row, written in one statement; made when there is none.
@@ -1337,6 +1340,7 @@ int32_t clsPrimaNota::GetNumeroNuovaRegistrazionePrimaNota() {
   if (RegistrazioniNuoveValide()) letture_.registrazioniNuove.insert(Format(Valore(n), "00000"));
   cnNumero_ = cn.get();
   serieNumero_ = cn->SerieTransazione();
+  scritturaNumero_ = dopo.scrittura;
   return n;
 }
 

@@ -286,6 +286,7 @@ class clsPrimaNota {
   // the company's row is there until it ends.
   const Connessione* cnNumero_ = nullptr;
   uint64_t serieNumero_ = 0;
+  uint64_t scritturaNumero_ = 0;  // the counter's write of that number, while it waits to be sent
   // The register's counter row asked for with the next entry number, then read with it (in the
   // transaction cnNumero_/serieNumero_).
   struct ContatoreRegistro {

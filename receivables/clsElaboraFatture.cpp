@@ -3,8 +3,12 @@
 #include <cmath>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
@@ -72,6 +76,15 @@ std::string CodiceBase(const std::string& codice) {
 // A document refused by a check: rolled back, told, skipped.
 struct Rifiuto {
   std::string testo;
+};
+// A document found posted by another run, met on the way to a refusal.
+struct GiaElaborata {};
+// A line of a document as the posting reads it.
+struct RigaDocumento {
+  std::string contropartita;
+  Importo importo;
+  bool scorporo = false;
+  Importo aliquota;
 };
 
 }  // namespace
@@ -558,14 +571,31 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
   Valore dataContab = DataIngresso(a.avar_DataContabilizzazione, "data di contabilizzazione");
 
   // The documents of the range, printed, not posted, not of kinds 8 to 11.
-  Recordset docs = c.Execute(
-      "SELECT * FROM [Fatture] WHERE [Fatture].[Data] BETWEEN ? AND ? AND ([Fatture].[Elaborata] = ? OR "
-      "[Fatture].[Elaborata] IS NULL) AND [Fatture].[Stampata] = '1' AND COALESCE([Fatture].[Tipo fattura], 0) NOT IN "
-      "(8, 9, 10, 11) ORDER BY [Numero], [Serie]",
-      {daData, aData, Valore(false)});
+  const std::string daElaborare =
+      "[Fatture].[Data] BETWEEN ? AND ? AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL) AND "
+      "[Fatture].[Stampata] = '1' AND COALESCE([Fatture].[Tipo fattura], 0) NOT IN (8, 9, 10, 11)";
+  const Parametri pDaElaborare{daData, aData, Valore(false)};
+  Recordset docs = c.Execute("SELECT * FROM [Fatture] WHERE " + daElaborare + " ORDER BY [Numero], [Serie]", pDaElaborare);
   if (docs.Eof()) {
     Host().MsgBox("Nessuna fattura da elaborare.", vbInformation, kTitolo);
     return esito;
+  }
+  // Their lines, read once as their heads were: by number and series (trimmed).
+  std::map<std::pair<int64_t, std::string>, std::vector<RigaDocumento>> righeDocumenti;
+  {
+    Recordset righe = c.Execute(
+        "SELECT [Movimenti Magazzino].[Numero], TRIM(COALESCE([Movimenti Magazzino].[Serie], '')), "
+        "[Movimenti Magazzino].[Contropartita], [Movimenti Magazzino].[Importo], [Movimenti Magazzino].[Scorporo iva], "
+        "[Codici Iva].[Aliquota] FROM [Movimenti Magazzino] LEFT JOIN [Codici Iva] ON [Movimenti Magazzino].[Codice Iva] "
+        "= [Codici Iva].[Codice Iva] WHERE [Movimenti Magazzino].[Tipo documento] = 'F' AND [Movimenti Magazzino].[Numero] "
+        "IN (SELECT [Fatture].[Numero] FROM [Fatture] WHERE " + daElaborare + ")",
+        pDaElaborare);
+    for (; !righe.Eof(); righe.MoveNext()) {
+      const Valore numero = righe(0).Value();
+      if (numero.tipo() != Valore::Tipo::Intero) continue;
+      righeDocumenti[{numero.Int(), righe(1).Value().Testo()}].push_back(
+          {T(righe(2).Value()), NullToZeroCy(righe(3).Value()), righe(4).Value().Vero(), NullToZeroCy(righe(5).Value())});
+    }
   }
 
   // The run's cache, dropped however the run ends; the journal keeps what it reads of causals
@@ -611,31 +641,33 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         giaFatto = false;
         Atomico unita(c, true);
         // The document is claimed first: a run that meets it already posted (by another run
-        // since this one read the list) leaves it alone. On PostgreSQL the claim waits for the
-        // other run's transaction and then finds the stamp. Its lines are read with the claim,
-        // in the same round trip.
+        // since this one read the list) leaves it alone. On PostgreSQL the claim goes to the
+        // server with the entry counter's lock, in the same round trip, and waits for the other
+        // run's transaction and then finds the stamp; its count is known once the number is.
         const Valore numDoc = Valore(static_cast<long long>(NullToZeroLng(numero)));
-        Recordset righeDocumento;
+        auto rivendicata = std::make_shared<int64_t>(-1);
         {
           Parametri p{Valore(true)};
           std::string w = FiltroFattura(p, numero, serieGrezza, true);
           p.push_back(Valore(false));
-          auto risposte = c.EseguiInsieme(
-              {{"UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
-                    " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",
-                p},
-               {"SELECT [Movimenti Magazzino].[Contropartita], [Movimenti Magazzino].[Importo], "
-                "[Movimenti Magazzino].[Scorporo iva], [Codici Iva].[Aliquota] FROM [Movimenti Magazzino] "
-                "LEFT JOIN [Codici Iva] ON [Movimenti Magazzino].[Codice Iva] = [Codici Iva].[Codice Iva] "
-                "WHERE [Movimenti Magazzino].[Numero] = ? AND TRIM(COALESCE([Movimenti Magazzino].[Serie], '')) = ? "
-                "AND [Movimenti Magazzino].[Tipo documento] = 'F'",
-                {numDoc, serie}}});
-          if (risposte[0].righe == 0) {
-            giaFatto = true;
-            return;
-          }
-          righeDocumento = std::move(risposte[1].rs);
+          c.EseguiInCoda("UPDATE [Fatture] SET [Elaborata] = ? WHERE " + w +
+                             " AND ([Fatture].[Elaborata] = ? OR [Fatture].[Elaborata] IS NULL)",
+                         p, rivendicata);
         }
+        auto postataDaAltri = [&] {
+          if (*rivendicata < 0) c.InviaCoda();
+          return *rivendicata == 0;
+        };
+        if (*rivendicata == 0) {
+          giaFatto = true;
+          return;
+        }
+        // A document refused before its claim has answered: one that another run has posted is
+        // left alone, as the claim would have found it.
+        auto rifiuta = [&](std::string testo) {
+          if (postataDaAltri()) throw GiaElaborata{};
+          throw Rifiuto{std::move(testo)};
+        };
 
         // The client's account.
         const std::string tipoCliFor = T(campo("Tipo cli/for"));
@@ -679,7 +711,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
           }
           const Cache::Causale& letti = letta->second;
           if (!letti.esiste)
-            throw Rifiuto{testa + " la causale contabile indicata non è codificata su VornXP."};
+            rifiuta(testa + " la causale contabile indicata non è codificata su VornXP.");
           const std::string& reg = letti.registro;
           const std::string& tipoCau = letti.tipo;
           if (reg == "1")
@@ -691,13 +723,13 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
           else if (reg == "7")
             contoIva = a.avar_IvaEsigDiff;
           else
-            throw Rifiuto{testa + " la causale contabile indicata non è una causale IVA utilizzabile."};
+            rifiuta(testa + " la causale contabile indicata non è una causale IVA utilizzabile.");
           if (notaCredito && tipoCau != "1" && tipoCau != "8")
-            throw Rifiuto{"Impossibile elaborare la nota credito n. " + numSerie +
-                          " la causale contabile indicata non è allineata al tipo di documento."};
+            rifiuta("Impossibile elaborare la nota credito n. " + numSerie +
+                          " la causale contabile indicata non è allineata al tipo di documento.");
           if (!notaCredito && tipoCau != "0" && tipoCau != "7")
-            throw Rifiuto{"Impossibile elaborare la fattura n. " + numSerie +
-                          " la causale contabile indicata non è allineata al tipo di documento."};
+            rifiuta("Impossibile elaborare la fattura n. " + numSerie +
+                          " la causale contabile indicata non è allineata al tipo di documento.");
           causale = causaleDoc;
           tipoRegistro = reg;
           numRegistro = letti.proposto;
@@ -706,10 +738,10 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // Progress and the dates.
         msgbar("Elaborazione fattura n. " + numSerie + " del " + DataInTesto(dataDoc).Testo());
         if (!dataDoc.IsDate())
-          throw Rifiuto{"Impossibile elaborare la fattura n. " + numSerie + " data documento non indicata."};
+          rifiuta("Impossibile elaborare la fattura n. " + numSerie + " data documento non indicata.");
         const Valore dataReg = DataInTesto(a.bool_ContabilizzaDataFattura ? dataDoc : dataContab);
         if (dataReg.IsNull())
-          throw Rifiuto{"Impossibile elaborare la fattura n. " + numSerie + " data di contabilizzazione non indicata."};
+          rifiuta("Impossibile elaborare la fattura n. " + numSerie + " data di contabilizzazione non indicata.");
         const Valore dataIva = campo("DataCompetenzaIVA");
         const Valore valuta = Valore(T(campo("Codice valuta")));
         double cambio = campo("Cambio").IsNull() ? 1.0 : NullToZeroDbl(campo("Cambio"));
@@ -733,6 +765,10 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // The main registration; its register's counter is read with its number.
         pn.AnticipaProgressiviPrimaNota(Valore(tipoRegistro), Valore(numRegistro), serie);
         const int32_t nReg = pn.GetNumeroNuovaRegistrazionePrimaNota();
+        if (postataDaAltri()) {
+          giaFatto = true;  // the rollback gives the number back
+          return;
+        }
         ++registrazioni;
         const Valore vReg = Valore(Format(Valore(nReg), "00000"));
         int32_t riga = 0;
@@ -744,16 +780,14 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         const Importo s1 = Percentuale(campo("Sconto (cliente)%")), s2 = Percentuale(campo("Sconto2 (cliente)%")),
                       sp = Percentuale(campo("Sconto Pagamento %"));
         std::map<std::string, Importo> ricavi;
-        {
-          Recordset& mm = righeDocumento;
-          for (; !mm.Eof(); mm.MoveNext()) {
-            Importo imp = NullToZeroCy(mm(1).Value());
-            if (mm(2).Value().Vero()) {
+        if (auto righe = righeDocumenti.find({numDoc.Int(), serie.Testo()}); righe != righeDocumenti.end()) {
+          for (const RigaDocumento& r : righe->second) {
+            Importo imp = r.importo;
+            if (r.scorporo) {
               // amount / (1 + rate/100) = amount x 1,000,000 / (1,000,000 + rate in ten-thousandths)
-              Importo aliq = NullToZeroCy(mm(3).Value());
-              imp = ArrotondaRapporto(static_cast<Int128>(imp.Raw()) * 1000000, 1000000 + aliq.Raw(), 4);
+              imp = ArrotondaRapporto(static_cast<Int128>(imp.Raw()) * 1000000, 1000000 + r.aliquota.Raw(), 4);
             }
-            ricavi[T(mm(0).Value())] += imp;
+            ricavi[r.contropartita] += imp;
           }
         }
         bool unRicavo = false;
@@ -919,6 +953,8 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
       });
     } catch (const Rifiuto& r) {
       rifiuto = r;
+    } catch (const GiaElaborata&) {
+      giaFatto = true;
     } catch (const std::exception& e) {
       errore = e.what();
     }

@@ -132,6 +132,30 @@ TEST_P(Progressivi, ParteDiChiaveVuotaTrovaIlNulloEApostrofoNellaSerie) {
   EXPECT_EQ(Righe("Progressivi Numerazione Vorn"), 1);
 }
 
+TEST_P(Progressivi, LaPresaAlzaLaRigaPiuAltaESiFermaAlMassimo) {
+  // The same blank key held twice, as '' and as null: the take counts on from the higher row
+  // and raises that one only.
+  for (const char* serie : {"''", "NULL"})
+    cn->Esegui(std::string("INSERT INTO [Progressivi Numerazione Vorn] ([TipoRegistro], [IndOrdiniImpegni], "
+                           "[NumeroRegistro], [Deposito], [SerieDocumento], [NumeroUltimoDoc]) VALUES ('2', '', '04', "
+                           "'000', ") + serie + ", " + (serie[0] == 'N' ? "9" : "5") + ")");
+  auto n = Num();
+  EXPECT_EQ(Intero(n.PrendiNumeroProtocollo("04")), 10);
+  EXPECT_EQ(Intero(cn->Scalare("SELECT [NumeroUltimoDoc] FROM [Progressivi Numerazione Vorn] WHERE [SerieDocumento] IS "
+                               "NULL")),
+            10);
+  EXPECT_EQ(Intero(cn->Scalare("SELECT [NumeroUltimoDoc] FROM [Progressivi Numerazione Vorn] WHERE [SerieDocumento] = ''")),
+            5);
+  // The last 32-bit number is given; the next is refused and the counter stays where it was,
+  // inside the caller's transaction too.
+  cn->Esegui("UPDATE [Progressivi Numerazione Vorn] SET [NumeroUltimoDoc] = 2147483646 WHERE [SerieDocumento] IS NULL");
+  EXPECT_EQ(Intero(n.PrendiNumeroProtocollo("04")), 2147483647);
+  cn->BeginTrans();
+  EXPECT_THROW(n.PrendiNumeroProtocollo("04"), ErroreDb);
+  cn->CommitTrans();
+  EXPECT_EQ(Intero(cn->Scalare("SELECT MAX([NumeroUltimoDoc]) FROM [Progressivi Numerazione Vorn]")), 2147483647);
+}
+
 TEST_P(Progressivi, NumeroBollatoEAzzeramenti) {
   auto n = Num();
   // First definitive print of a series never numbered: the row is made with that number.

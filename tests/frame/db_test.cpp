@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 
 #include "frame/Db.h"
@@ -298,6 +299,47 @@ TEST_P(DataLayerUnits, QueuedWritesKeepTheirOrderAndTheirErrors) {
   EXPECT_TRUE(fallita);
   cn->CommitTrans();
   EXPECT_EQ(Righe(), 4);
+}
+
+TEST_P(DataLayerUnits, AQueuedWriteTellsItsCountOnceSentAndCanBeReplacedWhileItWaits) {
+  for (const char* c : {"A", "B", "C"}) cn->Esegui("INSERT INTO [T] VALUES (?)", {Valore(c)});
+  // The count of a write that waits comes with the next statement (SQLite runs it at once).
+  cn->BeginTrans();
+  auto toccate = std::make_shared<int64_t>(-1);
+  cn->EseguiInCoda("UPDATE [T] SET [Codice] = [Codice] || 'x' WHERE [Codice] IN (?, ?)", {Valore("A"), Valore("B")},
+                   toccate);
+  EXPECT_EQ(*toccate, Pg() ? -1 : 2);
+  EXPECT_EQ(Righe(), 3);
+  EXPECT_EQ(*toccate, 2);
+  // One that touches nothing says 0; one dropped by a rollback before it went says nothing.
+  auto nessuna = std::make_shared<int64_t>(-1);
+  cn->EseguiInCoda("UPDATE [T] SET [Codice] = ? WHERE [Codice] = ?", {Valore("Z"), Valore("A")}, nessuna);
+  cn->InviaCoda();
+  EXPECT_EQ(*nessuna, 0);
+  auto annullata = std::make_shared<int64_t>(-1);
+  cn->EseguiInCoda("DELETE FROM [T] WHERE [Codice] = ?", {Valore("C")}, annullata);
+  cn->RollbackTrans();
+  EXPECT_EQ(*annullata, Pg() ? -1 : 1);
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [T] WHERE [Codice] IN ('A', 'B', 'C')").Int(), 3);
+
+  // A write still waiting is replaced in its place by one that writes everything it wrote;
+  // once sent (or run at once) it is not, and the caller runs the new one itself. Either way the
+  // rows end as the second write leaves them.
+  cn->BeginTrans();
+  const uint64_t id = cn->EseguiInCoda("UPDATE [T] SET [Codice] = ? WHERE [Codice] = ?", {Valore("A1"), Valore("A")});
+  EXPECT_EQ(id != 0, Pg());
+  const std::string secondo = "UPDATE [T] SET [Codice] = ? WHERE [Codice] IN (?, ?)";
+  const Parametri p{Valore("A2"), Valore("A"), Valore("A1")};
+  const bool sostituita = cn->SostituisciInCoda(id, secondo, p);
+  EXPECT_EQ(sostituita, Pg());
+  if (!sostituita) cn->EseguiInCoda(secondo, p);
+  EXPECT_EQ(cn->Scalare("SELECT [Codice] FROM [T] WHERE [Codice] LIKE 'A%'").Testo(), "A2");
+  EXPECT_FALSE(cn->SostituisciInCoda(id, secondo, p));  // gone with the read
+  const uint64_t inviata = cn->EseguiInCoda("DELETE FROM [T] WHERE [Codice] = ?", {Valore("B")});
+  EXPECT_EQ(Righe(), 2);
+  EXPECT_FALSE(cn->SostituisciInCoda(inviata, "DELETE FROM [T] WHERE [Codice] = ?", {Valore("C")}));
+  cn->CommitTrans();
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [T] WHERE [Codice] IN ('A2', 'C')").Int(), 2);
 }
 
 TEST_P(DataLayerUnits, ManyQueuedRowsOfEveryTypeLandExactlyAndInOrder) {

@@ -5,9 +5,11 @@
 
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <thread>
+#include <utility>
 
 #include "company/clsTabRiferimenti.h"
 #include "frame/Comuni.h"
@@ -351,6 +353,49 @@ TEST_P(ElaboraFattureTest, RefusedDocumentsRollBackAloneAndTheRunGoesOn) {
   EXPECT_EQ(e2.Scartati, 2);
   EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] = 1"), 3);
   EXPECT_EQ(TrimTesto(cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota]")), "00002");
+}
+
+// A host that runs something once, at the first message it is shown.
+class HostAlPrimoMessaggio : public HostScript {
+ public:
+  explicit HostAlPrimoMessaggio(std::function<void()> f) : f_(std::move(f)) {}
+  int MsgBox(const std::string& testo, int stile, const std::string& titolo) override {
+    if (auto f = std::exchange(f_, nullptr)) f();
+    return HostScript::MsgBox(testo, stile, titolo);
+  }
+
+ private:
+  std::function<void()> f_;
+};
+
+TEST_P(ElaboraFattureTest, ADocumentPostedByAnotherRunMeanwhileIsLeftAloneEvenIfThisRunWouldRefuseIt) {
+  // 1 and 2 have an unknown causal, 3 posts. While the refusal of 1 is told, another run stamps
+  // 2 as posted: this run finds it so and says nothing of it.
+  std::string t = TabellaIva({{"22", "100.00", "22"}});
+  Fattura({1, "02/03/2026", t.c_str(), "122.00", "FATTURA", "ZZZ"});
+  Fattura({2, "02/03/2026", t.c_str(), "122.00", "FATTURA", "ZZZ"});
+  Fattura({3, "03/03/2026", t.c_str(), "122.00"});
+  for (int n = 1; n <= 3; ++n) Riga(n, "7001001", "022", "100.00");
+  auto altra = AltraConnessione();
+  HostAlPrimoMessaggio h([&] {
+    altra->Esegui("UPDATE [Fatture] SET [Elaborata] = ? WHERE [Numero] = 2", {Valore(true)});
+  });
+  ImpostaHost(&h);
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  EsitoElaboraFatture e = ef.ElaboraFatture(a);
+  ImpostaHost(host.get());
+  EXPECT_EQ(e.Documenti, 1);
+  EXPECT_EQ(e.Scartati, 1);
+  std::vector<std::string> testi;
+  for (const auto& m : h.Messaggi()) testi.push_back(m.testo);
+  ASSERT_EQ(testi.size(), 2u);
+  EXPECT_EQ(testi[0],
+            "Impossibile elaborare la fattura/nota credito n. 1 la causale contabile indicata non è codificata su "
+            "VornXP.");
+  EXPECT_EQ(testi[1], "Create 1 registrazioni di prima nota.");
+  // Document 3 took entry 1: nothing of the others was kept, not even a number.
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] <> 3"), 0);
+  EXPECT_EQ(TrimTesto(cn->Scalare("SELECT MAX([NumeroRegistrazione]) FROM [Prima Nota]")), "00001");
 }
 
 TEST_P(ElaboraFattureTest, AnUnexpectedFailureRollsBackItsDocumentOnly) {
