@@ -204,12 +204,16 @@ void Recordset::Set(int idx, const Valore& v) {
   Assicura();
   if (!Modificabile()) throw ErroreDb(3251, "Il recordset non consente aggiornamenti.");
   if (pos_ >= rows_.size()) throw ErroreDb(3021, "Nessun record corrente.");
+  Valore nuovo = Coerci(v, cols_[idx].tipo);
+  // A stored row's column given the value it already holds (same kind, same value) is not
+  // written again: its indexes are left as they are.
+  if (edit_ != adEditAdd && rows_[pos_][idx] == nuovo) return;
   if (edit_ == adEditNone) {
     originale_ = rows_[pos_];
     variati_.assign(cols_.size(), false);
     edit_ = adEditInProgress;
   }
-  rows_[pos_][idx] = Coerci(v, cols_[idx].tipo);
+  rows_[pos_][idx] = std::move(nuovo);
   variati_[idx] = true;
 }
 

@@ -66,6 +66,25 @@ TEST_P(DataLayer, UpdateAndDeleteByKey) {
   EXPECT_EQ(r("Ragione Sociale").Value().Str(), "Bi");
 }
 
+TEST_P(DataLayer, AnEditWritesOnlyTheColumnsItChanges) {
+  // Read, then another client changes the name and the number; this edit sets the name to what
+  // it read (no change) and the balance: the other's name stays, and so does the number it
+  // does not touch. The same name given again is not an edit at all.
+  Tabella();
+  cn->Esegui("INSERT INTO [Anagrafica Prova] ([Codice Cliente], [Ragione Sociale], [Numero]) VALUES ('A', 'Alfa', 1)");
+  auto rs = cn->Apri("Anagrafica Prova", "[Codice Cliente] = ?", {"A"});
+  AltraConnessione()->Esegui("UPDATE [Anagrafica Prova] SET [Ragione Sociale] = 'Alfa Spa', [Numero] = 2");
+  rs("Ragione Sociale") = "Alfa";
+  EXPECT_EQ(rs.EditMode(), adEditNone);
+  rs("Saldo Dare") = Importo::DaRaw(15000);
+  rs("Numero") = 1;
+  rs.Update();
+  auto r = cn->Execute("SELECT [Ragione Sociale], [Saldo Dare], [Numero] FROM [Anagrafica Prova]");
+  EXPECT_EQ(r("Ragione Sociale").Value().Str(), "Alfa Spa");
+  EXPECT_EQ(r("Saldo Dare").Value().Imp().Raw(), 15000);
+  EXPECT_EQ(r("Numero").Value().Int(), 2);
+}
+
 TEST_P(DataLayer, TableWithoutKeyUpdatesByRowIdentity) {
   cn->Esegui("CREATE TABLE [Parametri] ([Valore] TEXT, [clientName] TEXT)");
   cn->Esegui("INSERT INTO [Parametri] ([Valore]) VALUES ('uno')");
