@@ -115,6 +115,22 @@ const std::unordered_map<std::string, int>& IndiciPN() {
 
 int IndicePN(const char* nome) { return IndiciPN().at(LCase(nome)); }
 
+// The positions by the names as the catalogue spells them: a caller that spells them so finds
+// them without lowering the case first.
+struct HashTesto {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+};
+const std::unordered_map<std::string, int, HashTesto, std::equal_to<>>& IndiciEsattiPN() {
+  static const std::unordered_map<std::string, int, HashTesto, std::equal_to<>> m = [] {
+    std::unordered_map<std::string, int, HashTesto, std::equal_to<>> r;
+    const auto& cols = CatalogoPN().colonne;
+    for (size_t i = 0; i < cols.size(); ++i) r.emplace(cols[i].nome, static_cast<int>(i));
+    return r;
+  }();
+  return m;
+}
+
 const std::string& SqlInserisciRiga() {
   static const std::string s = [] {
     std::string cols, vals;
@@ -799,29 +815,42 @@ bool clsPrimaNota::LocalizzaRecord(Recordset& T, const Valore& numeroRegistrazio
   return LocalizzaRecordProtocollo(*cn, T, kTabella, w, p, clientID, hWnd);
 }
 
+RigaPrimaNota::RigaPrimaNota() : dati_(CatalogoPN().colonne.size()) {}
+
+Valore& RigaPrimaNota::operator[](std::string_view nome) {
+  const auto& esatti = IndiciEsattiPN();
+  if (auto it = esatti.find(nome); it != esatti.end()) return dati_[static_cast<size_t>(it->second)];
+  const auto& indici = IndiciPN();
+  auto it = indici.find(LCase(std::string(nome)));
+  if (it == indici.end()) throw ErroreDb(3265, "Colonna inesistente nella tabella Prima Nota: " + std::string(nome));
+  return dati_[static_cast<size_t>(it->second)];
+}
+
 bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID, long hWnd, bool& Cancel) {
   AssicuraConnessione();
   Cancel = false;
+  // Every value is checked and converted before anything is read or written.
+  RigaPrimaNota dati;
+  for (const auto& [nome, v] : riga) {
+    if (IndiciEsattiPN().count(nome) == 0) {
+      std::string k = LCase(nome);
+      if (k == "numeroregistrazione2" || k == "dataregistrazione2") continue;
+    }
+    dati[nome] = v;
+  }
+  return SalvaRiga(std::move(dati), clientID, hWnd);
+}
+
+bool clsPrimaNota::SalvaRiga(RigaPrimaNota riga, const Valore& clientID, long hWnd) {
+  AssicuraConnessione();
   const auto& cat = CatalogoPN();
-  const auto& indici = IndiciPN();
   const size_t n = cat.colonne.size();
   static const int iDescrizione = IndicePN("DescrizioneSupplem");
   static const int iDataDocumento = IndicePN("DataDocumento");
   static const int iIndicatori = IndicePN("Stringa10indicatori");
   static const int iClient = IndicePN("clientName");
   static const int iHwnd = IndicePN("hWnd");
-
-  // Every value is checked and converted before anything is read or written.
-  std::vector<Valore> dati(n);
-  for (const auto& [nome, v] : riga) {
-    std::string k = LCase(nome);
-    auto it = indici.find(k);
-    if (it == indici.end()) {
-      if (k == "numeroregistrazione2" || k == "dataregistrazione2") continue;
-      throw ErroreDb(3265, "Colonna inesistente nella tabella Prima Nota: " + nome);
-    }
-    dati[it->second] = v;
-  }
+  const std::vector<Valore>& dati = riga.Valori();
   Parametri valori(n);
   for (size_t i = 0; i < n; ++i) {
     const Valore& v = dati[i];

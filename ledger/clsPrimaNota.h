@@ -21,6 +21,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
@@ -63,6 +64,19 @@ struct ChiaveSaldo {
 };
 using MovimentiSaldi = std::map<ChiaveSaldo, DeltaSaldo>;
 
+// A journal row column by column, in the table's order, for SalvaRiga: what SalvaRecord takes
+// by name, without a map of names to fill and read again for every row.
+class RigaPrimaNota {
+ public:
+  RigaPrimaNota();
+  // The column of that name (any case); ErroreDb 3265 for a name the journal does not have.
+  Valore& operator[](std::string_view nome);
+  std::vector<Valore>& Valori() { return dati_; }
+
+ private:
+  std::vector<Valore> dati_;
+};
+
 class clsPrimaNota {
  public:
   std::shared_ptr<Connessione> cn;
@@ -93,6 +107,8 @@ class clsPrimaNota {
   // causal's present operativity and keeps positions 4-10 of the stored row (of the given value
   // on a new row). Never asks: Cancel comes back false.
   bool SalvaRecord(const RecordValori& riga, const Valore& clientID, long hWnd, bool& Cancel);
+  // The same for a row given column by column.
+  bool SalvaRiga(RigaPrimaNota riga, const Valore& clientID, long hWnd);
 
   // After the last row of an entry: the document or protocol counter of the register and the
   // number of the last entry.

@@ -148,7 +148,7 @@ bool clsElaboraFatture::ScriviRecordPrimaNota(
 
   std::string data = DataInTesto(DataRegistrazioneTmp).Testo();
   Valore competenza = DataInTesto(DataCompetenzaTmp);
-  RecordValori r;
+  RigaPrimaNota r;
   r["DataRegistrazione"] = Valore(data);
   r["NumeroRegistrazione"] = Valore(Format(Valore(NumeroRegistrazioneTmp), "00000"));
   r["TipoRigaIvaNormale"] = Valore(TipoRigaIvaNormaleTmp);
@@ -199,8 +199,7 @@ bool clsElaboraFatture::ScriviRecordPrimaNota(
   r["RigaLibroGiornale"] = Valore(0);
   r["KeyZQ"] = Valore(0);
   r["IndSpesometro"] = Valore(0);
-  bool cancel = false;
-  return objPrimaNota.SalvaRecord(r, clientID, hWnd, cancel);
+  return objPrimaNota.SalvaRiga(std::move(r), clientID, hWnd);
 }
 
 // ---------------------------------------------------------------- VAT table
