@@ -103,13 +103,40 @@ bool Passo(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& fissi,
   return true;
 }
 
+namespace {
+std::string SqlColonna(const DefinizioneAnagrafica& d, const Chiavi& k, std::string_view colonna, Parametri& p,
+                       bool pieno) {
+  std::string w = FiltroChiavi(d, k, p, pieno);
+  return "SELECT " + Colonna(d, std::string(colonna)) + " FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;";
+}
+}  // namespace
+
 std::optional<Valore> LeggiColonna(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& k,
                                    std::string_view colonna, const Valore& predefinito, bool pieno) {
   Parametri p;
-  std::string w = FiltroChiavi(d, k, p, pieno);
-  auto rs = cn.Execute("SELECT " + Colonna(d, std::string(colonna)) + " FROM [" + d.tabella + "] WHERE " + w + " LIMIT 1;", p);
+  auto rs = cn.Execute(SqlColonna(d, k, colonna, p, pieno), p);
   if (rs.Eof()) return std::nullopt;
   return LeggiCampo(rs.Fields(0), predefinito);
+}
+
+std::vector<std::optional<Valore>> LeggiColonnaDi(Connessione& cn, const DefinizioneAnagrafica& d,
+                                                  const std::vector<Chiavi>& chiavi, std::string_view colonna,
+                                                  const Valore& predefinito) {
+  std::vector<std::pair<std::string, Parametri>> letture;
+  letture.reserve(chiavi.size());
+  for (const auto& k : chiavi) {
+    Parametri p;
+    std::string sql = SqlColonna(d, k, colonna, p, false);
+    letture.emplace_back(std::move(sql), std::move(p));
+  }
+  std::vector<std::optional<Valore>> valori;
+  valori.reserve(chiavi.size());
+  if (letture.empty()) return valori;
+  for (auto& r : cn.EseguiInsieme(letture)) {
+    if (r.rs.Eof()) valori.emplace_back(std::nullopt);
+    else valori.emplace_back(LeggiCampo(r.rs.Fields(0), predefinito));
+  }
+  return valori;
 }
 
 void SegnalaInesistente(const Valore& codice, bool* Cancel, IControllo* ControlloDaSelezionare,

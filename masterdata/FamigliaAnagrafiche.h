@@ -80,6 +80,11 @@ bool Passo(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& fissi,
 std::optional<Valore> LeggiColonna(Connessione& cn, const DefinizioneAnagrafica& d, const Chiavi& k,
                                    std::string_view colonna, const Valore& predefinito = Valore(std::string()),
                                    bool pieno = false);
+// LeggiColonna for several records, read together (on PostgreSQL in one round trip), in the
+// order of `chiavi`.
+std::vector<std::optional<Valore>> LeggiColonnaDi(Connessione& cn, const DefinizioneAnagrafica& d,
+                                                  const std::vector<Chiavi>& chiavi, std::string_view colonna,
+                                                  const Valore& predefinito = Valore(std::string()));
 // An unknown code, when `codice` is not blank: the message when Cancel was passed, the control
 // marked when one was passed.
 void SegnalaInesistente(const Valore& codice, bool* Cancel, IControllo* ControlloDaSelezionare,

@@ -220,6 +220,15 @@ Valore clsClientiFornitori::GetContropartitaCostoRicavo(const Valore& I, const V
 Valore clsClientiFornitori::GetSottocontoCliFor(const Valore& I, const Valore& c) {
   return Colonna(I, c, "SottocontoApparten");
 }
+std::vector<Valore> clsClientiFornitori::GetSottocontiCliFor(const Valore& I, const std::vector<std::string>& codici) {
+  std::vector<anagrafiche::Chiavi> chiavi;
+  chiavi.reserve(codici.size());
+  for (const auto& c : codici) chiavi.push_back({Valore(c)});
+  std::vector<Valore> valori;
+  for (auto& v : anagrafiche::LeggiColonnaDi(C(), Definizione(I), chiavi, "SottocontoApparten"))
+    valori.push_back(v.value_or(Vuoto()));
+  return valori;
+}
 Valore clsClientiFornitori::GetPagamentoCliFor(const Valore& I, const Valore& c) {
   return Colonna(I, c, "Codice Pagamento");
 }

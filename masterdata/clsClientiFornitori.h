@@ -97,6 +97,8 @@ class clsClientiFornitori {
 
   Valore GetContropartitaCostoRicavo(const Valore& IndClienteFornitore, const Valore& Codice_Cliente);
   Valore GetSottocontoCliFor(const Valore& IndClienteFornitore, const Valore& Codice_Cliente);
+  // GetSottocontoCliFor of several codes, read together (on PostgreSQL in one round trip).
+  std::vector<Valore> GetSottocontiCliFor(const Valore& IndClienteFornitore, const std::vector<std::string>& codici);
   Valore GetPagamentoCliFor(const Valore& IndClienteFornitore, const Valore& Codice_Cliente);
   Valore GetAgenteCliFor(const Valore& IndClienteFornitore, const Valore& Codice_Cliente);
   Valore GetValutaCliFor(const Valore& IndClienteFornitore, const Valore& Codice_Cliente);

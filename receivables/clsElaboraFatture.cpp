@@ -1,10 +1,13 @@
 #include "receivables/clsElaboraFatture.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -610,6 +613,23 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     }
   } fineCorsa{cache_, pn, pn.LettureDiCorsa};
   pn.LettureDiCorsa = true;
+  // The clients' accounts, read together before the first document, a few hundred at a time.
+  {
+    std::vector<std::string> codici;
+    std::set<std::string> visti;
+    for (; !docs.Eof(); docs.MoveNext()) {
+      std::string codice = T(docs("Codice Cliente").Value());
+      if (visti.insert(codice).second) codici.push_back(std::move(codice));
+    }
+    docs.MoveFirst();
+    constexpr size_t kInsieme = 500;
+    for (size_t da = 0; da < codici.size(); da += kInsieme) {
+      std::vector<std::string> parte(codici.begin() + static_cast<std::ptrdiff_t>(da),
+                                     codici.begin() + static_cast<std::ptrdiff_t>(std::min(codici.size(), da + kInsieme)));
+      std::vector<Valore> conti = cli.GetSottocontiCliFor(Valore("C"), parte);
+      for (size_t i = 0; i < parte.size(); ++i) cache_->contiClienti.emplace(parte[i], T(conti[i]));
+    }
+  }
   const std::string tipoContabRicAcc = T(a.avar_TipoContabRicAcc);
   for (; !docs.Eof(); docs.MoveNext()) {
     auto campo = [&](const char* n) -> Valore { return docs(n).Value(); };
