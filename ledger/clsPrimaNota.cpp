@@ -577,8 +577,28 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
   const SqlSaldo* q = nullptr;
   Parametri p;
   size_t righe = 0;
+  // The upserts of two tables that follow each other go as one statement on PostgreSQL: the
+  // second as a WITH of the first, which the server runs after the statement's own rows, so that
+  // the rows are still locked in key order.
+  std::vector<std::pair<std::string, Parametri>> inAttesa;
+  std::vector<const SqlSaldo*> tabelle;
+  auto invia = [&] {
+    if (inAttesa.size() == 2 && tabelle[0] != tabelle[1] && cn.IsPostgres()) {
+      Parametri unite = std::move(inAttesa[1].second);
+      unite.insert(unite.end(), inAttesa[0].second.begin(), inAttesa[0].second.end());
+      cn.EseguiInCoda("WITH [vorn_saldi] AS (" + inAttesa[1].first + ") " + inAttesa[0].first, unite);
+    } else {
+      for (const auto& [sql, valori] : inAttesa) cn.EseguiInCoda(sql, valori);
+    }
+    inAttesa.clear();
+    tabelle.clear();
+  };
   auto scrivi = [&] {
-    if (righe) cn.EseguiInCoda(q->upsertRighe[righe], p);
+    if (righe) {
+      if (inAttesa.size() == 2) invia();
+      inAttesa.emplace_back(q->upsertRighe[righe], std::move(p));
+      tabelle.push_back(q);
+    }
     p.clear();
     righe = 0;
   };
@@ -588,6 +608,7 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
         chiave.tipo == 'S' ? !chiave.a.empty() && !chiave.b.empty() && !chiave.c.empty() : !chiave.a.empty();
     if (!completa || !ChiaveUpsert(cn, k, cs.tabella, cs.chiave)) {
       scrivi();
+      invia();
       ScriviSaldoRiga(cn, chiave, d);
       continue;
     }
@@ -598,6 +619,7 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
     ValoriRigaSaldo(p, chiave, d);
   }
   scrivi();
+  invia();
 }
 
 // The balance movement of a transaction, held back level by level until its commit.
