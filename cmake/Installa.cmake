@@ -4,6 +4,11 @@
 # vorn::core, vorn_MODELLI) and a pkg-config file; and the Debian package of all of it (CPack).
 include(CMakePackageConfigHelpers)
 
+# Installing and packaging take the tree as it was built and never build it again first: a test
+# packs the library while other tests run the tree's programs, which a rebuild would replace
+# under them.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
 # Headers that only the library's own sources include stay out.
 set(VORN_HEADER_INTERNI
   company/LetturaAzienda.h company/PresaNumero.h company/StampaLibri.h frame/Casuale.h

@@ -745,10 +745,10 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
             rifiuta(testa + " la causale contabile indicata non è una causale IVA utilizzabile.");
           if (notaCredito && tipoCau != "1" && tipoCau != "8")
             rifiuta("Impossibile elaborare la nota credito n. " + numSerie +
-                          " la causale contabile indicata non è allineata al tipo di documento.");
+                    " la causale contabile indicata non è allineata al tipo di documento.");
           if (!notaCredito && tipoCau != "0" && tipoCau != "7")
             rifiuta("Impossibile elaborare la fattura n. " + numSerie +
-                          " la causale contabile indicata non è allineata al tipo di documento.");
+                    " la causale contabile indicata non è allineata al tipo di documento.");
           causale = causaleDoc;
           tipoRegistro = reg;
           numRegistro = letti.proposto;
