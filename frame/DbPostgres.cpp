@@ -701,10 +701,14 @@ std::shared_ptr<Connessione> Connessione::ApriPostgres(const ParametriPostgres& 
   PQsetNoticeReceiver(c, AvvisoSilenzioso, nullptr);
   // The session reads and writes the same whatever the server, the user or the environment
   // (PGDATESTYLE, PGOPTIONS) set: ISO dates (day before month for text input), standard
-  // strings, UTF-8, and the schema as a quoted name.
+  // strings, UTF-8, and the schema as a quoted name. A scan (Scorri) reads its cursor to the
+  // end: the cursor is planned for the whole result, as the statement run at once would be,
+  // not for its first rows (a plan for the first rows can join row by row where a hash join
+  // reads each table once).
   std::string sessione =
       "SET DateStyle = 'ISO, DMY'; SET standard_conforming_strings = on; SET client_encoding = 'UTF8'; "
-      "SET IntervalStyle = 'postgres'; SET extra_float_digits = 3; SET TimeZone = 'UTC'";
+      "SET IntervalStyle = 'postgres'; SET extra_float_digits = 3; SET TimeZone = 'UTC'; "
+      "SET cursor_tuple_fraction = 1";
   if (!p.schema.empty()) {
     char* id = PQescapeIdentifier(c, p.schema.c_str(), p.schema.size());
     if (!id) {
