@@ -161,8 +161,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dop
     // The write transaction keeps other writers out: the counter's row (the highest, as the
     // read below takes it) is raised in one statement from the higher of itself and the highest
     // number in use, and read back. No row: it is made below.
-    VerificaNome(c.tabella);
-    VerificaNome(c.colonna, "colonna");
+    const std::string riga = SqlContatore(cn, c, "rowid");
     const std::string t = "[" + c.tabella + "]", col = "[" + c.colonna + "]";
     Parametri p;
     std::string massimo = "0";
@@ -172,9 +171,7 @@ int32_t PrendiNumero(Connessione& cn, const Contatore& c, LettureDopoNumero& dop
     }
     p.insert(p.end(), c.parametri.begin(), c.parametri.end());
     Recordset alzato = cn.Execute("UPDATE " + t + " SET " + col + " = MAX(COALESCE(CAST(" + col + " AS INTEGER), 0), " +
-                                      massimo + ") + 1 WHERE rowid = (SELECT rowid FROM " + t +
-                                      (c.where.empty() ? "" : " WHERE " + c.where) + " ORDER BY COALESCE(" + col +
-                                      ", 0) DESC LIMIT 1) RETURNING " + col + ", rowid",
+                                      massimo + ") + 1 WHERE rowid = (" + riga + ") RETURNING " + col + ", rowid",
                                   p);
     if (!alzato.Eof()) {
       const int64_t nuovo = InteroDi(alzato(0).Value());

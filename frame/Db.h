@@ -21,6 +21,13 @@
 
 namespace vorn {
 
+// The hash of a map keyed by text that finds its keys by std::string_view, without a copy
+// (with std::equal_to<> as the map's equality).
+struct HashTesto {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+};
+
 enum class Motore { SQLite, PostgreSQL };
 
 // A database error: `numero` is the engine's code (SQLite result code, or the PostgreSQL
@@ -409,10 +416,6 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   struct Impronta {
     size_t osservate = 0, differiti = 0;
     std::vector<size_t> nominate, toccati;
-  };
-  struct HashTesto {
-    using is_transparent = void;
-    size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
   };
   std::unordered_map<std::string, Impronta, HashTesto, std::equal_to<>> impronte_;
   const Impronta& ImprontaDi(std::string_view sql);

@@ -117,10 +117,6 @@ int IndicePN(const char* nome) { return IndiciPN().at(LCase(nome)); }
 
 // The positions by the names as the catalogue spells them: a caller that spells them so finds
 // them without lowering the case first.
-struct HashTesto {
-  using is_transparent = void;
-  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
-};
 const std::unordered_map<std::string, int, HashTesto, std::equal_to<>>& IndiciEsattiPN() {
   static const std::unordered_map<std::string, int, HashTesto, std::equal_to<>> m = [] {
     std::unordered_map<std::string, int, HashTesto, std::equal_to<>> r;
@@ -580,24 +576,27 @@ void ScriviSaldi(Connessione& cn, ChiaviUpsert& k, const MovimentiSaldi& m) {
   // The upserts of two tables that follow each other go as one statement on PostgreSQL: the
   // second as a WITH of the first, which the server runs after the statement's own rows, so that
   // the rows are still locked in key order.
-  std::vector<std::pair<std::string, Parametri>> inAttesa;
-  std::vector<const SqlSaldo*> tabelle;
+  struct Upsert {
+    const SqlSaldo* q;
+    size_t righe;
+    Parametri p;
+    const std::string& Sql() const { return q->upsertRighe[righe]; }
+  };
+  std::vector<Upsert> inAttesa;
   auto invia = [&] {
-    if (inAttesa.size() == 2 && tabelle[0] != tabelle[1] && cn.IsPostgres()) {
-      Parametri unite = std::move(inAttesa[1].second);
-      unite.insert(unite.end(), inAttesa[0].second.begin(), inAttesa[0].second.end());
-      cn.EseguiInCoda("WITH [vorn_saldi] AS (" + inAttesa[1].first + ") " + inAttesa[0].first, unite);
+    if (inAttesa.size() == 2 && inAttesa[0].q != inAttesa[1].q && cn.IsPostgres()) {
+      Parametri unite = std::move(inAttesa[1].p);
+      unite.insert(unite.end(), inAttesa[0].p.begin(), inAttesa[0].p.end());
+      cn.EseguiInCoda("WITH [vorn_saldi] AS (" + inAttesa[1].Sql() + ") " + inAttesa[0].Sql(), unite);
     } else {
-      for (const auto& [sql, valori] : inAttesa) cn.EseguiInCoda(sql, valori);
+      for (const auto& u : inAttesa) cn.EseguiInCoda(u.Sql(), u.p);
     }
     inAttesa.clear();
-    tabelle.clear();
   };
   auto scrivi = [&] {
     if (righe) {
       if (inAttesa.size() == 2) invia();
-      inAttesa.emplace_back(q->upsertRighe[righe], std::move(p));
-      tabelle.push_back(q);
+      inAttesa.push_back({q, righe, std::move(p)});
     }
     p.clear();
     righe = 0;
@@ -839,13 +838,17 @@ bool clsPrimaNota::LocalizzaRecord(Recordset& T, const Valore& numeroRegistrazio
 
 RigaPrimaNota::RigaPrimaNota() : dati_(CatalogoPN().colonne.size()) {}
 
-Valore& RigaPrimaNota::operator[](std::string_view nome) {
+Valore* RigaPrimaNota::Trova(std::string_view nome) {
   const auto& esatti = IndiciEsattiPN();
-  if (auto it = esatti.find(nome); it != esatti.end()) return dati_[static_cast<size_t>(it->second)];
+  if (auto it = esatti.find(nome); it != esatti.end()) return &dati_[static_cast<size_t>(it->second)];
   const auto& indici = IndiciPN();
   auto it = indici.find(LCase(std::string(nome)));
-  if (it == indici.end()) throw ErroreDb(3265, "Colonna inesistente nella tabella Prima Nota: " + std::string(nome));
-  return dati_[static_cast<size_t>(it->second)];
+  return it == indici.end() ? nullptr : &dati_[static_cast<size_t>(it->second)];
+}
+
+Valore& RigaPrimaNota::operator[](std::string_view nome) {
+  if (Valore* v = Trova(nome)) return *v;
+  throw ErroreDb(3265, "Colonna inesistente nella tabella Prima Nota: " + std::string(nome));
 }
 
 bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID, long hWnd, bool& Cancel) {
@@ -854,11 +857,13 @@ bool clsPrimaNota::SalvaRecord(const RecordValori& riga, const Valore& clientID,
   // Every value is checked and converted before anything is read or written.
   RigaPrimaNota dati;
   for (const auto& [nome, v] : riga) {
-    if (IndiciEsattiPN().count(nome) == 0) {
-      std::string k = LCase(nome);
-      if (k == "numeroregistrazione2" || k == "dataregistrazione2") continue;
+    if (Valore* colonna = dati.Trova(nome)) {
+      *colonna = v;
+      continue;
     }
-    dati[nome] = v;
+    const std::string k = LCase(nome);
+    if (k == "numeroregistrazione2" || k == "dataregistrazione2") continue;
+    dati[nome] = v;  // refused, with the column's name
   }
   return SalvaRiga(std::move(dati), clientID, hWnd);
 }

@@ -71,6 +71,8 @@ class RigaPrimaNota {
   RigaPrimaNota();
   // The column of that name (any case); ErroreDb 3265 for a name the journal does not have.
   Valore& operator[](std::string_view nome);
+  // The same, or nullptr for a name the journal does not have.
+  Valore* Trova(std::string_view nome);
   std::vector<Valore>& Valori() { return dati_; }
 
  private:

@@ -691,12 +691,7 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         // The client's account.
         const std::string tipoCliFor = T(campo("Tipo cli/for"));
         const std::string codiceCliente = T(campo("Codice Cliente"));
-        auto trovato = cache_->contiClienti.find(codiceCliente);
-        if (trovato == cache_->contiClienti.end())
-          trovato = cache_->contiClienti
-                        .emplace(codiceCliente, T(cli.GetSottocontoCliFor(Valore("C"), Valore(codiceCliente))))
-                        .first;
-        std::string contoCliente = trovato->second;
+        std::string contoCliente = cache_->contiClienti.at(codiceCliente);  // read before the first document
         if (contoCliente.empty()) {
           contoCliente = T(a.avar_ClientiStandard);
         } else if (!EsisteContoCorsa(pn, contoCliente)) {
