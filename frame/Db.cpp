@@ -147,6 +147,11 @@ void Recordset::MoveFirst() {
   if (edit_ != adEditNone) Update();
   pos_ = 0;
 }
+void Recordset::Vai(size_t posizione) {
+  Assicura();
+  if (edit_ != adEditNone) Update();
+  pos_ = std::min(posizione, rows_.size());
+}
 void Recordset::MoveLast() {
   Assicura();
   if (edit_ != adEditNone) Update();
@@ -789,7 +794,13 @@ void Connessione::ChiudiTutto() {
   for (auto& [nome, d] : differiti_) d->Scarta();
 }
 
-void Connessione::CommitTrans() {
+void Connessione::CommitTrans() { Conferma(nullptr); }
+
+void Connessione::CommitTransSenzaAttesa(EsitoConferma esito) { Conferma(&esito); }
+
+void Connessione::AttendiConferme() { AttendiConfermeInterno(); }
+
+void Connessione::Conferma(EsitoConferma* esito) {
   if (livello_ == 0) NessunaTransazione();
   if (livello_ > 1) {
     std::string sp = NomeSavepoint(livello_);
@@ -813,6 +824,7 @@ void Connessione::CommitTrans() {
     sporco_.pop_back();
     if (s) sporco_.back() = true;
     --livello_;
+    if (esito) (*esito)(nullptr);
     return;
   }
   if (!compromessa_ && !InErrore()) {
@@ -827,8 +839,10 @@ void Connessione::CommitTrans() {
     ChiudiTutto();
     Annullata();
   }
+  bool inViaggio = false;
   try {
-    Controllo("COMMIT");
+    if (esito) inViaggio = ConfermaSenzaAttesa(*esito);
+    if (!inViaggio) Controllo("COMMIT");
   } catch (...) {
     ChiudiTutto();
     throw;
@@ -836,6 +850,7 @@ void Connessione::CommitTrans() {
   livello_ = 0;
   compromessa_ = false;
   sporco_.clear();
+  if (esito && !inViaggio) (*esito)(nullptr);
 }
 
 void Connessione::RollbackTrans() {
@@ -920,6 +935,13 @@ void Atomico::Conferma() {
   fatto_ = true;
   // CommitTrans closes the level also when it throws.
   if (livello_) cn_.CommitTrans();
+}
+
+void Atomico::ConfermaSenzaAttesa(Connessione::EsitoConferma esito) {
+  if (fatto_) return;
+  fatto_ = true;
+  if (livello_) cn_.CommitTransSenzaAttesa(std::move(esito));
+  else esito(nullptr);
 }
 
 Atomico::~Atomico() {

@@ -127,6 +127,8 @@ class Recordset {
   void MovePrevious();
   size_t RecordCount() const { return rows_.size(); }
   size_t Posizione() const { return pos_; }
+  // To the row at `posizione` (from 0; past the last: Eof).
+  void Vai(size_t posizione);
 
   int FieldCount() const { return static_cast<int>(cols_.size()); }
   bool HasField(std::string_view nome) const { return Indice(nome) >= 0; }
@@ -325,6 +327,18 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   void BeginTrans();
   void CommitTrans();
   void RollbackTrans();
+  // The outcome of a commit whose answer is read later: null when it committed, else why it did
+  // not (the transaction was undone).
+  using EsitoConferma = std::function<void(const ErroreDb*)>;
+  // As CommitTrans, without waiting for the server's answer on PostgreSQL: the writes still
+  // waiting and the COMMIT go now, and the answer is read with the next statement of this
+  // connection (in the same round trip) or by AttendiConferme, which then call `esito`. The
+  // level is closed at once; what is known before anything is sent is thrown here, as by
+  // CommitTrans. Elsewhere (SQLite, a savepoint level) it commits as CommitTrans and calls
+  // `esito` before returning. `esito` must not throw nor use this connection.
+  void CommitTransSenzaAttesa(EsitoConferma esito);
+  // Reads the answer of a commit sent without waiting, if one is still out.
+  void AttendiConferme();
   virtual bool InTransazione() const = 0;
   // The open levels: 0 outside a transaction, 1 in the transaction, more inside savepoints.
   int Livello() const { return livello_; }
@@ -393,6 +407,10 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   virtual const char* TestoInizioLettura() const = 0;   // a read-only snapshot
   // True when a statement failed in the open transaction and it takes nothing more.
   virtual bool InErrore() const { return false; }
+  // Sends the writes waiting and the COMMIT without reading their answer (CommitTransSenzaAttesa);
+  // false when the engine commits only waiting.
+  virtual bool ConfermaSenzaAttesa(EsitoConferma& /*esito*/) { return false; }
+  virtual void AttendiConfermeInterno() {}
   // Parameters as both engines bind them (dates written as text become dates).
   static Parametri Normalizza(const Parametri& p);
 
@@ -402,6 +420,7 @@ class Connessione : public std::enable_shared_from_this<Connessione> {
   // Before a statement: deferred work it touches is written first.
   void PrimaDi(std::string_view sql);
   void ChiudiTutto();
+  void Conferma(EsitoConferma* esito);
   std::string TraduciPostgres(std::string_view sql) const;
   mutable std::unordered_map<std::string, std::string> traduzioni_;
   std::map<std::string, std::vector<std::string>> chiavi_;
@@ -441,6 +460,8 @@ class Atomico {
   explicit Atomico(Connessione& cn, bool recuperabile = true);
   ~Atomico();
   void Conferma();
+  // Conferma through Connessione::CommitTransSenzaAttesa: `esito` is told the commit's outcome.
+  void ConfermaSenzaAttesa(Connessione::EsitoConferma esito);
   Atomico(const Atomico&) = delete;
   Atomico& operator=(const Atomico&) = delete;
 

@@ -9,7 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <list>
+#include <optional>
 #include <unordered_map>
 
 #include "frame/Db.h"
@@ -116,6 +118,13 @@ class ConnessionePostgres final : public Connessione {
   Motore motore() const override { return Motore::PostgreSQL; }
   bool Aperta() const override { return c_ != nullptr && PQstatus(c_) == CONNECTION_OK; }
   void Close() override {
+    if (c_ && volo_.attivo) {
+      try {
+        Atterra();
+      } catch (...) {
+        // A connection that dropped: its commit's outcome was told as an error.
+      }
+    }
     if (c_) PQfinish(c_);
     c_ = nullptr;
     preparate_.clear();
@@ -147,15 +156,18 @@ class ConnessionePostgres final : public Connessione {
       Invia(sql, {}, false, e);
       return;
     }
+    Atterra();
     Risultato r(PQexec(c_, sql));
     Verifica(r.r);
   }
   const char* TestoInizio() const override { return "BEGIN"; }
   const char* TestoInizioLettura() const override { return "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"; }
-  bool InErrore() const override { return c_ && PQtransactionStatus(c_) == PQTRANS_INERROR; }
+  bool InErrore() const override { return c_ && !volo_.attivo && PQtransactionStatus(c_) == PQTRANS_INERROR; }
   bool InTransazione() const override {
     if (!c_) return false;
     if (inizioInCoda_) return true;
+    // A commit sent without waiting has closed its transaction, as far as this side knows.
+    if (volo_.attivo) return false;
     auto s = PQtransactionStatus(c_);
     return s == PQTRANS_INTRANS || s == PQTRANS_INERROR;
   }
@@ -185,6 +197,7 @@ class ConnessionePostgres final : public Connessione {
                      const std::function<bool(const std::vector<Colonna>&, const std::vector<Valore>&)>& riga) override {
     Assicura();
     Svuota();
+    Atterra();
     std::string cursore = "vorn_cursore_" + std::to_string(++contatore_);
     {
       std::string s = "DECLARE " + cursore + " NO SCROLL CURSOR WITH HOLD FOR " + sql;
@@ -258,6 +271,37 @@ class ConnessionePostgres final : public Connessione {
     Svuota();
   }
 
+  // The writes waiting, then the COMMIT in a round of its own (a failed write leaves the
+  // transaction failed, and the COMMIT then undoes it, so that what follows starts clean), sent
+  // without reading the answer: Atterra reads it.
+  bool ConfermaSenzaAttesa(EsitoConferma& esito) override {
+    Assicura();
+    Atterra();
+    if (!InTransazione()) return false;
+    std::vector<InCoda> coda = std::move(coda_);
+    coda_.clear();
+    inizioInCoda_ = false;
+    UnisciInserimenti(coda);
+    std::vector<Testi> testi;
+    std::vector<std::string> nomi;
+    PreparaTutte(coda, testi, nomi);
+    if (PQenterPipelineMode(c_) != 1) ErroreConnessione();
+    bool inviato = Spedisci(coda, testi, nomi) && (coda.empty() || PQpipelineSync(c_) == 1) &&
+                   PQsendQueryParams(c_, "COMMIT", 0, nullptr, nullptr, nullptr, nullptr, 0) == 1 &&
+                   PQpipelineSync(c_) == 1;
+    if (!inviato) {
+      std::string m = PQerrorMessage(c_);
+      PQexitPipelineMode(c_);
+      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+    }
+    volo_.attivo = true;
+    volo_.scritture = std::move(coda);
+    volo_.esito = std::move(esito);
+    return true;
+  }
+
+  void AttendiConfermeInterno() override { Atterra(); }
+
   std::vector<Esito> EseguiInsiemeInterno(const std::vector<std::pair<std::string, Parametri>>& istruzioni) override {
     Assicura();
     std::vector<InCoda> letture;
@@ -276,6 +320,7 @@ class ConnessionePostgres final : public Connessione {
       Invia(sql, p, righe, e);
       return e;
     }
+    Atterra();
     if (p.empty() && !DaPreparare(sql)) {
       // The extended protocol runs exactly one statement.
       Risultato r(PQexecParams(c_, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0));
@@ -311,12 +356,22 @@ class ConnessionePostgres final : public Connessione {
     std::vector<const char*> v;
     std::vector<Oid> t;
     std::string firma;  // the types, part of the name under which a statement is prepared
+    static Oid Tipo(const Valore& x) {
+      return x.tipo() == Valore::Tipo::Importo ? Oid{kNumeric} : x.tipo() == Valore::Tipo::Doppio ? Oid{kFloat8} : Oid{0};
+    }
+    static char Lettera(Oid tipo) { return tipo == kNumeric ? 'n' : tipo == kFloat8 ? 'f' : '.'; }
+    static std::string Firma(const Parametri& p) {
+      std::string f;
+      f.reserve(p.size());
+      for (const auto& x : p) f += Lettera(Tipo(x));
+      return f;
+    }
     explicit Testi(const Parametri& p) {
       s.reserve(p.size());
       for (const auto& x : p) {
-        Oid tipo = x.tipo() == Valore::Tipo::Importo ? Oid{kNumeric} : x.tipo() == Valore::Tipo::Doppio ? Oid{kFloat8} : Oid{0};
+        const Oid tipo = Tipo(x);
         t.push_back(tipo);
-        firma += tipo == kNumeric ? 'n' : tipo == kFloat8 ? 'f' : '.';
+        firma += Lettera(tipo);
         switch (x.tipo()) {
           case Valore::Tipo::Vuoto:
           case Valore::Tipo::Nullo:
@@ -386,7 +441,8 @@ class ConnessionePostgres final : public Connessione {
   }
 
   // The writes waiting, then the statements of `letture`, in one pipeline; the answers of
-  // `letture`, in order, go into `esiti`.
+  // `letture`, in order, go into `esiti`. The answer of a commit sent without waiting is read
+  // first, in the same round trip.
   void Invia(std::vector<InCoda> letture, bool righe, std::vector<Esito>& esiti) {
     std::vector<InCoda> coda = std::move(coda_);
     coda_.clear();
@@ -395,11 +451,48 @@ class ConnessionePostgres final : public Connessione {
     const size_t primaLettura = coda.size();
     for (auto& l : letture) coda.push_back(std::move(l));
     esiti.assign(coda.size() - primaLettura, Esito{});
-    // Prepared before the pipeline starts; a cache cleared meanwhile prepares them all again.
-    // Reserved: each Testi's values point into its own strings, which must not move.
+    // A statement still to prepare cannot join the pipeline left open by a commit: the
+    // commit's answer is read first.
+    if (volo_.attivo)
+      for (const auto& q : coda)
+        if (!(q.p.empty() && !DaPreparare(q.sql)) && !preparate_.count(q.sql + Testi::Firma(q.p))) {
+          Atterra();
+          break;
+        }
     std::vector<Testi> testi;
-    testi.reserve(coda.size());
     std::vector<std::string> nomi;
+    PreparaTutte(coda, testi, nomi);
+    const bool dopoVolo = volo_.attivo;
+    if (!dopoVolo && PQenterPipelineMode(c_) != 1) ErroreConnessione();
+    if (!Spedisci(coda, testi, nomi) || PQpipelineSync(c_) != 1) {
+      std::string m = PQerrorMessage(c_);
+      AvvisaPersa(m);
+      PQexitPipelineMode(c_);
+      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+    }
+    if (dopoVolo) LeggiVolo();
+    size_t letti = 0;
+    PGresult* errore = LeggiFinoSync(coda.size(), [&](size_t i, PGresult* r) {
+      if (i >= primaLettura) {
+        Raccogli(r, esiti[i - primaLettura], righe);
+        ++letti;
+      } else if (coda[i].righe && PQresultStatus(r) == PGRES_COMMAND_OK) {
+        *coda[i].righe = std::atoll(PQcmdTuples(r));
+      }
+    });
+    PQexitPipelineMode(c_);
+    if (errore) {
+      Risultato r(errore);
+      Verifica(r.r);
+    }
+    if (letti != esiti.size()) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+  }
+
+  // Each statement's parameters as text, and the name it is prepared under (empty: sent
+  // unnamed). Prepared before the pipeline starts; a cache cleared meanwhile prepares them all
+  // again. Reserved: each Testi's values point into its own strings, which must not move.
+  void PreparaTutte(const std::vector<InCoda>& coda, std::vector<Testi>& testi, std::vector<std::string>& nomi) {
+    testi.reserve(coda.size());
     for (;;) {
       testi.clear();
       nomi.clear();
@@ -411,51 +504,109 @@ class ConnessionePostgres final : public Connessione {
       }
       if (svuotamenti == svuotamenti_) break;
     }
-    if (PQenterPipelineMode(c_) != 1) ErroreConnessione();
-    bool inviato = true;
-    for (size_t i = 0; i < coda.size() && inviato; ++i) {
-      if (nomi[i].empty())
-        inviato = PQsendQueryParams(c_, coda[i].sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0) == 1;
-      else
-        inviato = PQsendQueryPrepared(c_, nomi[i].c_str(), testi[i].n(), testi[i].valori(), nullptr, nullptr, 0) == 1;
-    }
-    if (!inviato || PQpipelineSync(c_) != 1) {
-      std::string m = PQerrorMessage(c_);
-      PQexitPipelineMode(c_);
-      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
-    }
-    PGresult* errore = nullptr;
-    size_t letti = 0;
+  }
+
+  bool Spedisci(const std::vector<InCoda>& coda, const std::vector<Testi>& testi, const std::vector<std::string>& nomi) {
     for (size_t i = 0; i < coda.size(); ++i) {
+      const bool ok =
+          nomi[i].empty()
+              ? PQsendQueryParams(c_, coda[i].sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0) == 1
+              : PQsendQueryPrepared(c_, nomi[i].c_str(), testi[i].n(), testi[i].valori(), nullptr, nullptr, 0) == 1;
+      if (!ok) return false;
+    }
+    return true;
+  }
+
+  // The answers of `n` statements of the pipeline and the synchronisation after them: `ogni`
+  // gets each answer that is not an error; the first error is returned (the server skipped the
+  // statements after it, up to the synchronisation), for the caller to clear.
+  PGresult* LeggiFinoSync(size_t n, const std::function<void(size_t, PGresult*)>& ogni) {
+    PGresult* errore = nullptr;
+    for (size_t i = 0; i < n; ++i) {
       PGresult* r = PQgetResult(c_);
-      if (!r) ErroreConnessione();
+      if (!r) {
+        if (errore) PQclear(errore);
+        ErroreConnessione();
+      }
       auto st = PQresultStatus(r);
       if (st == PGRES_FATAL_ERROR && !errore) {
         errore = r;
       } else {
-        if (i >= primaLettura && st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) {
-          Raccogli(r, esiti[i - primaLettura], righe);
-          ++letti;
-        } else if (i < primaLettura && coda[i].righe && st == PGRES_COMMAND_OK) {
-          *coda[i].righe = std::atoll(PQcmdTuples(r));
-        }
+        if (st != PGRES_PIPELINE_ABORTED && st != PGRES_FATAL_ERROR) ogni(i, r);
         PQclear(r);
       }
       // Each statement's answers end with a null.
       while (PGresult* fine = PQgetResult(c_)) PQclear(fine);
     }
-    // The synchronisation point.
     for (PGresult* r; (r = PQgetResult(c_)) != nullptr;) {
       bool sync = PQresultStatus(r) == PGRES_PIPELINE_SYNC;
       PQclear(r);
       if (sync) break;
     }
+    return errore;
+  }
+
+  // A commit sent without waiting, until its answer is read.
+  struct InVolo {
+    bool attivo = false;
+    std::vector<InCoda> scritture;  // sent with it, for the counts someone reads
+    EsitoConferma esito;
+  };
+  InVolo volo_;
+
+  // Reads the answer of the commit sent without waiting, if any, and tells it.
+  void Atterra() {
+    if (!volo_.attivo) return;
+    LeggiVolo();
     PQexitPipelineMode(c_);
-    if (errore) {
-      Risultato r(errore);
-      Verifica(r.r);
+  }
+
+  // The answers of the commit in flight (the pipeline stays open): its writes, then the COMMIT.
+  void LeggiVolo() {
+    InVolo v = std::move(volo_);
+    volo_ = InVolo{};
+    std::optional<ErroreDb> errore;
+    try {
+      if (!v.scritture.empty()) {
+        PGresult* e = LeggiFinoSync(v.scritture.size(), [&](size_t i, PGresult* r) {
+          if (v.scritture[i].righe && PQresultStatus(r) == PGRES_COMMAND_OK)
+            *v.scritture[i].righe = std::atoll(PQcmdTuples(r));
+        });
+        if (e) {
+          errore = ErroreDa(e);
+          PQclear(e);
+        }
+      }
+      PGresult* e = LeggiFinoSync(1, [](size_t, PGresult*) {});
+      if (e) {
+        if (!errore) errore = ErroreDa(e);
+        PQclear(e);
+      }
+    } catch (const ErroreDb& x) {
+      // The connection dropped: whether the commit was done is not known; it is told as failed.
+      Racconta(v.esito, &x);
+      PQexitPipelineMode(c_);
+      throw;
     }
-    if (letti != esiti.size()) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+    Racconta(v.esito, errore ? &*errore : nullptr);
+  }
+
+  // A send failed while a commit's answer was still out: its outcome is told as that failure.
+  void AvvisaPersa(const std::string& m) {
+    if (!volo_.attivo) return;
+    InVolo v = std::move(volo_);
+    volo_ = InVolo{};
+    ErroreDb e(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+    Racconta(v.esito, &e);
+  }
+
+  static void Racconta(EsitoConferma& esito, const ErroreDb* e) {
+    if (!esito) return;
+    try {
+      esito(e);
+    } catch (...) {
+      // Whoever receives the outcome must not throw: this statement is not the failed one.
+    }
   }
 
   // The number of parameters of "INSERT INTO ... VALUES ($1, ..., $k)" (a single row of nothing
@@ -565,13 +716,18 @@ class ConnessionePostgres final : public Connessione {
     if (!r) ErroreConnessione();
     auto st = PQresultStatus(r);
     if (st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK || st == PGRES_EMPTY_QUERY) return;
+    throw ErroreDa(r);
+  }
+
+  // The error of a failed answer: the server's own sentence, on one line, and its code.
+  ErroreDb ErroreDa(PGresult* r) {
     const char* code = PQresultErrorField(r, PG_DIAG_SQLSTATE);
     // The server's own sentence, on one line (without the LINE and HINT block).
     const char* primario = PQresultErrorField(r, PG_DIAG_MESSAGE_PRIMARY);
     std::string msg = primario ? Pulisci(primario) : Pulisci(PQresultErrorMessage(r));
     if (msg.empty()) msg = Pulisci(PQerrorMessage(c_));
     msg = PrimaRiga(msg);
-    throw ErroreDb(NumeroDaSqlState(code), msg, code ? code : "");
+    return ErroreDb(NumeroDaSqlState(code), msg, code ? code : "");
   }
 
   static std::vector<Colonna> Colonne(PGresult* r) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <deque>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -631,22 +632,87 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     }
   }
   const std::string tipoContabRicAcc = T(a.avar_TipoContabRicAcc);
-  for (; !docs.Eof(); docs.MoveNext()) {
+
+  // A document's commit goes without waiting for the server's answer, which comes back with the
+  // next document's first round trip (on PostgreSQL; elsewhere at once): the document's
+  // messages and its count wait for it. A document whose commit failed for a clash with another
+  // writer is posted again, next; any other failure is told as the document's error.
+  struct InAttesa {
+    size_t posizione = 0;
+    int tentativo = 1;
+    std::string numSerie;
+    std::vector<Messaggio> messaggi;
+    long registrazioni = 0;
+    bool arrivato = false;
+    std::optional<ErroreDb> errore;
+  };
+  constexpr int kTentativi = 6;
+  std::deque<std::shared_ptr<InAttesa>> inAttesa;
+  std::deque<std::pair<size_t, int>> daFare;  // the documents' rows, with their attempt
+  for (size_t i = 0; i < docs.RecordCount(); ++i) daFare.emplace_back(i, 1);
+  auto segnalaErrore = [&](const std::string& numSerie, const std::string& testoErrore) {
+    ++esito.Scartati;
+    std::string testo = "Impossibile elaborare la fattura n. " + numSerie + ": " + testoErrore;
+    esito.Errori.push_back(testo);
+    Host().Beep();
+    Host().MsgBox(testo, vbCritical, kTitolo);
+  };
+  auto chiudiArrivati = [&] {
+    while (!inAttesa.empty() && inAttesa.front()->arrivato) {
+      std::shared_ptr<InAttesa> d = std::move(inAttesa.front());
+      inAttesa.pop_front();
+      if (!d->errore) {
+        for (const auto& m : d->messaggi) {
+          if (m.beep) Host().Beep();
+          Host().MsgBox(m.testo, m.stile, m.titolo);
+        }
+        ++esito.Documenti;
+        esito.Registrazioni += d->registrazioni;
+      } else if (ErroreDiConcorrenza(*d->errore) && d->tentativo < kTentativi && c.Aperta()) {
+        daFare.emplace_front(d->posizione, d->tentativo + 1);
+      } else {
+        segnalaErrore(d->numSerie, d->errore->what());
+      }
+    }
+  };
+  // However the run ends, the last commit's answer is read before it returns.
+  struct Atterraggio {
+    Connessione& c;
+    ~Atterraggio() {
+      try {
+        c.AttendiConferme();
+      } catch (...) {
+        // A connection that dropped: the document's outcome was told as an error.
+      }
+    }
+  } atterraggio{c};
+
+  for (;;) {
+    if (daFare.empty()) {
+      // The last commit's answer: a document to post again comes back to the list.
+      try {
+        c.AttendiConferme();
+      } catch (const std::exception&) {
+        // The connection dropped: the document waiting was told so, as its error.
+      }
+      chiudiArrivati();
+      if (daFare.empty()) break;
+    }
+    const auto [posizione, tentativo] = daFare.front();
+    daFare.pop_front();
+    docs.Vai(posizione);
     auto campo = [&](const char* n) -> Valore { return docs(n).Value(); };
     const Valore numero = campo("Numero"), serie = Valore(T(campo("Serie"))), serieGrezza = campo("Serie"),
                  dataDoc = campo("Data");
     const std::string numSerie = T(numero) + AggiungiBarra(T(serie));
-    std::vector<Messaggio> messaggi;  // shown once the document's transaction has ended
+    std::vector<Messaggio> messaggi;  // shown once the document's commit has answered
     long registrazioni = 0;
+    auto attesa = std::make_shared<InAttesa>();
+    attesa->posizione = posizione;
+    attesa->tentativo = tentativo;
+    attesa->numSerie = numSerie;
     auto avvisa = [&](std::string testo, std::string titolo, int stile, bool beep) {
       messaggi.push_back({std::move(testo), std::move(titolo), stile, beep});
-    };
-    auto mostra = [&] {
-      for (const auto& m : messaggi) {
-        if (m.beep) Host().Beep();
-        Host().MsgBox(m.testo, m.stile, m.titolo);
-      }
-      messaggi.clear();
     };
 
     std::optional<Rifiuto> rifiuto;
@@ -963,7 +1029,10 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
         }
 
         // Posted (the stamp of the claim), with the commit.
-        unita.Conferma();
+        unita.ConfermaSenzaAttesa([attesa](const ErroreDb* e) {
+          attesa->arrivato = true;
+          if (e) attesa->errore = *e;
+        });
       });
     } catch (const Rifiuto& r) {
       rifiuto = r;
@@ -973,6 +1042,8 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
       errore = e.what();
     }
 
+    // The previous document's answer, which came with this one's first round trip.
+    chiudiArrivati();
     if (rifiuto) {
       // Rolled back: the messages of the attempt go with it, the refusal is told.
       messaggi.clear();
@@ -983,20 +1054,26 @@ EsitoElaboraFatture clsElaboraFatture::ElaboraFatture(ArgomentiElaboraFatture& a
     }
     if (!errore.empty()) {
       messaggi.clear();
-      ++esito.Scartati;
-      std::string testo = "Impossibile elaborare la fattura n. " + numSerie + ": " + errore;
-      esito.Errori.push_back(testo);
-      Host().Beep();
-      Host().MsgBox(testo, vbCritical, kTitolo);
+      segnalaErrore(numSerie, errore);
       // A connection that is gone takes nothing more: the run stops here.
       if (!c.Aperta()) break;
       continue;
     }
     if (giaFatto) continue;
-    mostra();
-    ++esito.Documenti;
-    esito.Registrazioni += registrazioni;
+    attesa->messaggi = std::move(messaggi);
+    attesa->registrazioni = registrazioni;
+    inAttesa.push_back(std::move(attesa));
+    chiudiArrivati();
   }
+  // An answer that never came (the run stopped with the connection gone): posted or not, it is
+  // not known.
+  for (auto& d : inAttesa)
+    if (!d->arrivato) {
+      d->arrivato = true;
+      d->errore = ErroreDb(3709, "connessione chiusa prima della risposta del server.");
+    }
+  daFare.clear();
+  chiudiArrivati();
 
   FineElaborazione(form, "Elaborazione fattura completata.", esito.Registrazioni, "Nessuna fattura da elaborare.",
                    vbInformation, kTitolo);

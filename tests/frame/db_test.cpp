@@ -361,6 +361,49 @@ TEST_P(DataLayerUnits, AQueuedWriteTellsItsCountOnceSentAndCanBeReplacedWhileItW
   EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [T] WHERE [Codice] IN ('A2', 'C')").Int(), 2);
 }
 
+TEST_P(DataLayerUnits, ACommitSentWithoutWaitingTellsItsOutcomeOnceWithTheNextStatement) {
+  std::vector<std::string> esiti;
+  auto registra = [&](const ErroreDb* e) { esiti.push_back(e ? "errore " + e->SqlState() : "ok"); };
+  // Committed: the outcome comes with the next statement (at once on SQLite), and so does the
+  // count of a write that went with the commit.
+  cn->BeginTrans();
+  auto toccate = std::make_shared<int64_t>(-1);
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("A")}, toccate);
+  cn->CommitTransSenzaAttesa(registra);
+  EXPECT_EQ(cn->Livello(), 0);
+  EXPECT_FALSE(cn->InTransazione());
+  EXPECT_EQ(esiti.size(), Pg() ? 0u : 1u);
+  EXPECT_EQ(Righe(), 1);
+  EXPECT_EQ(esiti, std::vector<std::string>{"ok"});
+  EXPECT_EQ(*toccate, 1);
+  EXPECT_EQ(AltraConnessione()->Scalare("SELECT count(*) FROM [T]").Int(), 1);
+
+  // A write that fails: on PostgreSQL it went with the commit, whose outcome tells the error,
+  // while the next transaction, sent behind it, starts clean; SQLite ran it at once.
+  cn->BeginTrans();
+  bool subito = false;
+  try {
+    cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("B")});
+    cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("A")});  // a key already taken
+    cn->CommitTransSenzaAttesa(registra);
+  } catch (const ErroreDb&) {
+    subito = true;
+    cn->RollbackTrans();
+  }
+  EXPECT_EQ(subito, !Pg());
+  cn->BeginTrans();
+  cn->EseguiInCoda("INSERT INTO [T] VALUES (?)", {Valore("C")});
+  EXPECT_EQ(cn->Scalare("SELECT count(*) FROM [T] WHERE [Codice] IN ('A', 'C')").Int(), 2);
+  EXPECT_EQ(Righe(), 2);  // nothing of B
+  cn->CommitTransSenzaAttesa(registra);
+  cn->AttendiConferme();
+  cn->AttendiConferme();  // nothing left to read
+  const std::vector<std::string> attesi =
+      Pg() ? std::vector<std::string>{"ok", "errore 23505", "ok"} : std::vector<std::string>{"ok", "ok"};
+  EXPECT_EQ(esiti, attesi);
+  EXPECT_EQ(AltraConnessione()->Scalare("SELECT count(*) FROM [T] WHERE [Codice] IN ('A', 'C')").Int(), 2);
+}
+
 TEST_P(DataLayerUnits, ManyQueuedRowsOfEveryTypeLandExactlyAndInOrder) {
   // 70 rows of one insert, more than one statement's worth on the server, of every type the
   // layer binds, Null included; then a plain insert of other columns, and a failure in a long

@@ -426,6 +426,57 @@ TEST_P(ElaboraFattureTest, AnUnexpectedFailureRollsBackItsDocumentOnly) {
   for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
+TEST_P(ElaboraFattureTest, ADocumentWhoseCommitFailsIsToldAndOneThatClashedIsPostedAgain) {
+  // The journal refuses document 2's rows. On PostgreSQL they reach the server with the
+  // document's commit, whose answer comes back while document 3 is under way; on SQLite they
+  // fail at once. On PostgreSQL document 4 also meets a deadlock once, in its commit: it is
+  // posted again.
+  if (Pg()) {
+    cn->Esegui("CREATE SEQUENCE prova_stallo");
+    cn->Esegui(
+        "CREATE FUNCTION pn_prova() RETURNS trigger AS $$ BEGIN "
+        "IF NEW.numerodocumento = 2 THEN RAISE EXCEPTION 'riga rifiutata'; END IF; "
+        "IF NEW.numerodocumento = 4 AND nextval('prova_stallo') = 1 THEN "
+        "RAISE EXCEPTION 'stallo' USING ERRCODE = '40P01'; END IF; RETURN NEW; END $$ LANGUAGE plpgsql");
+    cn->Esegui("CREATE TRIGGER pn_prova BEFORE INSERT ON \"prima nota\" FOR EACH ROW EXECUTE FUNCTION pn_prova()");
+  } else {
+    cn->Esegui("CREATE TRIGGER pn_prova BEFORE INSERT ON [Prima Nota] WHEN NEW.NumeroDocumento = 2 "
+               "BEGIN SELECT RAISE(ABORT, 'riga rifiutata'); END;");
+  }
+  std::string t = TabellaIva({{"22", "100.00", "22"}});
+  for (int n = 1; n <= 4; ++n) {
+    std::string data = "0" + std::to_string(n) + "/03/2026";
+    Fattura({n, data.c_str(), t.c_str(), "122.00"});
+    Riga(n, "7001001", "022", "100.00");
+  }
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  EsitoElaboraFatture e = ef.ElaboraFatture(a);
+  EXPECT_EQ(cn->Livello(), 0);
+  EXPECT_FALSE(cn->InTransazione());
+  EXPECT_EQ(e.Documenti, 3);
+  EXPECT_EQ(e.Scartati, 1);
+  ASSERT_EQ(e.Errori.size(), 1u);
+  EXPECT_EQ(e.Errori[0].rfind("Impossibile elaborare la fattura n. 2: ", 0), 0u) << e.Errori[0];
+  EXPECT_NE(e.Errori[0].find("riga rifiutata"), std::string::npos) << e.Errori[0];
+  ASSERT_GE(host->Messaggi().size(), 1u);
+  EXPECT_EQ(host->Messaggi()[0].testo, e.Errori[0]);
+  EXPECT_EQ(host->Messaggi()[0].stile, vbCritical);
+  // Document 2 gave its number back and stays to post; the others took 1 to 3 in turn.
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] = 2"), 0);
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Numero] = 2 AND [Elaborata] = " +
+                  std::string(Pg() ? "TRUE" : "1")),
+            0);
+  EXPECT_EQ(Giornale(1).substr(0, 5), "00001");
+  EXPECT_EQ(Giornale(3).substr(0, 5), "00002");
+  EXPECT_EQ(Giornale(4),
+            "00003 - 001 D 0501005 122.00 - 0.00 FTV -\n"
+            "00003 - 002 A 7001001 100.00 - 0.00 FTV -\n"
+            "00003 I 001 A 1401001 22.00 022 100.00 FTV -\n");
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Prima Nota]"), 9);
+  OgniRegistrazioneQuadra();
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
+}
+
 TEST_P(ElaboraFattureTest, UnprintedDocumentsAreListedAndNotPosted) {
   std::string t = TabellaIva({{"22", "100.00", "22"}});
   Fattura({7, "02/03/2026", t.c_str(), "122.00"});
