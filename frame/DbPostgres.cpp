@@ -466,7 +466,14 @@ class ConnessionePostgres final : public Connessione {
     if (!dopoVolo && PQenterPipelineMode(c_) != 1) ErroreConnessione();
     if (!Spedisci(coda, testi, nomi) || PQpipelineSync(c_) != 1) {
       std::string m = PQerrorMessage(c_);
-      AvvisaPersa(m);
+      if (dopoVolo) {
+        // What the server answered before the connection failed can still be read.
+        try {
+          LeggiVolo();
+        } catch (const ErroreDb&) {
+          // Told to the commit's outcome.
+        }
+      }
       PQexitPipelineMode(c_);
       throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
     }
@@ -589,15 +596,6 @@ class ConnessionePostgres final : public Connessione {
       throw;
     }
     Racconta(v.esito, errore ? &*errore : nullptr);
-  }
-
-  // A send failed while a commit's answer was still out: its outcome is told as that failure.
-  void AvvisaPersa(const std::string& m) {
-    if (!volo_.attivo) return;
-    InVolo v = std::move(volo_);
-    volo_ = InVolo{};
-    ErroreDb e(NumeroDaSqlState("08006"), Pulisci(m), "08006");
-    Racconta(v.esito, &e);
   }
 
   static void Racconta(EsitoConferma& esito, const ErroreDb* e) {

@@ -477,6 +477,49 @@ TEST_P(ElaboraFattureTest, ADocumentWhoseCommitFailsIsToldAndOneThatClashedIsPos
   for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
 }
 
+TEST_P(ElaboraFattureTest, AConnectionLostMidRunStopsItAndWhatItSaysAgreesWithTheBooks) {
+  // The run's connection is lost while the third of four documents is under way: on PostgreSQL
+  // the server ends the session (the second document's commit may still be unanswered), on
+  // SQLite the connection is closed. The run stops there; every document is whole or absent,
+  // and the documents it counts as posted are those the books hold.
+  std::string t = TabellaIva({{"22", "100.00", "22"}});
+  for (int n = 1; n <= 4; ++n) {
+    std::string data = "0" + std::to_string(n) + "/03/2026";
+    Fattura({n, data.c_str(), t.c_str(), "122.00"});
+    Riga(n, "7001001", "022", "100.00");
+  }
+  auto posting = AltraConnessione();
+  ef.cn = posting;
+  const long long pid = Pg() ? posting->Scalare("SELECT pg_backend_pid()").Int() : 0;
+  struct Taglio : IForm {
+    std::function<void()> taglia;
+    void msgbar(const std::string& testo) override {
+      if (testo.rfind("Elaborazione fattura n. 3 ", 0) == 0) taglia();
+    }
+  } form;
+  form.taglia = [&] {
+    if (Pg()) cn->Scalare("SELECT pg_terminate_backend(?, 5000)", {Valore(pid)});
+    else posting->Close();
+  };
+  auto a = Argomenti("01/03/2026", "31/03/2026");
+  a.objFormAttiva = &form;
+  EsitoElaboraFatture e = ef.ElaboraFatture(a);
+  EXPECT_EQ(e.Documenti + e.Scartati, 3);
+  ASSERT_GE(e.Errori.size(), 1u);
+  EXPECT_EQ(e.Errori.back().rfind("Impossibile elaborare la fattura n. 3: ", 0), 0u) << e.Errori.back();
+  const std::string vero = Pg() ? "TRUE" : "1";
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Elaborata] = " + vero), e.Documenti);
+  EXPECT_EQ(Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Numero] IN (1, 2) AND [Elaborata] = " + vero), e.Documenti);
+  for (int n = 1; n <= 4; ++n) {
+    const long righe = Righe("SELECT COUNT(*) FROM [Prima Nota] WHERE [NumeroDocumento] = " + std::to_string(n));
+    const long posted = Righe("SELECT COUNT(*) FROM [Fatture] WHERE [Numero] = " + std::to_string(n) +
+                              " AND [Elaborata] = " + vero);
+    EXPECT_EQ(righe, posted ? 3 : 0) << "documento " << n;
+  }
+  OgniRegistrazioneQuadra();
+  for (const auto& d : VerificaSaldi(*cn)) ADD_FAILURE() << DescriviDifferenza(d);
+}
+
 TEST_P(ElaboraFattureTest, UnprintedDocumentsAreListedAndNotPosted) {
   std::string t = TabellaIva({{"22", "100.00", "22"}});
   Fattura({7, "02/03/2026", t.c_str(), "122.00"});
