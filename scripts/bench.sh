@@ -14,7 +14,8 @@ trap pg_ferma EXIT
 trap 'pg_ferma; exit 130' INT TERM
 pg_avvia
 B=build/bench/vorn_bench
-if [ $# -gt 0 ]; then exec "$B" "$@"; fi
+# Not exec: the server is stopped on the way out.
+if [ $# -gt 0 ]; then "$B" "$@"; exit; fi
 "$B" --righe 10000 --motore entrambi --transazioni entrambe
 "$B" --righe 100000 --motore sqlite --transazioni unica
 "$B" --righe 100000 --motore postgres --transazioni entrambe
