@@ -278,10 +278,7 @@ class ConnessionePostgres final : public Connessione {
     Assicura();
     Atterra();
     if (!InTransazione()) return false;
-    std::vector<InCoda> coda = std::move(coda_);
-    coda_.clear();
-    inizioInCoda_ = false;
-    UnisciInserimenti(coda);
+    std::vector<InCoda> coda = PrendiCoda();
     std::vector<Testi> testi;
     std::vector<std::string> nomi;
     PreparaTutte(coda, testi, nomi);
@@ -289,11 +286,7 @@ class ConnessionePostgres final : public Connessione {
     bool inviato = Spedisci(coda, testi, nomi) && (coda.empty() || PQpipelineSync(c_) == 1) &&
                    PQsendQueryParams(c_, "COMMIT", 0, nullptr, nullptr, nullptr, nullptr, 0) == 1 &&
                    PQpipelineSync(c_) == 1;
-    if (!inviato) {
-      std::string m = PQerrorMessage(c_);
-      PQexitPipelineMode(c_);
-      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
-    }
+    if (!inviato) InvioFallito(PQerrorMessage(c_));
     volo_.attivo = true;
     volo_.scritture = std::move(coda);
     volo_.esito = std::move(esito);
@@ -356,22 +349,12 @@ class ConnessionePostgres final : public Connessione {
     std::vector<const char*> v;
     std::vector<Oid> t;
     std::string firma;  // the types, part of the name under which a statement is prepared
-    static Oid Tipo(const Valore& x) {
-      return x.tipo() == Valore::Tipo::Importo ? Oid{kNumeric} : x.tipo() == Valore::Tipo::Doppio ? Oid{kFloat8} : Oid{0};
-    }
-    static char Lettera(Oid tipo) { return tipo == kNumeric ? 'n' : tipo == kFloat8 ? 'f' : '.'; }
-    static std::string Firma(const Parametri& p) {
-      std::string f;
-      f.reserve(p.size());
-      for (const auto& x : p) f += Lettera(Tipo(x));
-      return f;
-    }
     explicit Testi(const Parametri& p) {
       s.reserve(p.size());
       for (const auto& x : p) {
-        const Oid tipo = Tipo(x);
+        Oid tipo = x.tipo() == Valore::Tipo::Importo ? Oid{kNumeric} : x.tipo() == Valore::Tipo::Doppio ? Oid{kFloat8} : Oid{0};
         t.push_back(tipo);
-        firma += Lettera(tipo);
+        firma += tipo == kNumeric ? 'n' : tipo == kFloat8 ? 'f' : '.';
         switch (x.tipo()) {
           case Valore::Tipo::Vuoto:
           case Valore::Tipo::Nullo:
@@ -444,24 +427,13 @@ class ConnessionePostgres final : public Connessione {
   // `letture`, in order, go into `esiti`. The answer of a commit sent without waiting is read
   // first, in the same round trip.
   void Invia(std::vector<InCoda> letture, bool righe, std::vector<Esito>& esiti) {
-    std::vector<InCoda> coda = std::move(coda_);
-    coda_.clear();
-    inizioInCoda_ = false;
-    UnisciInserimenti(coda);
+    std::vector<InCoda> coda = PrendiCoda();
     const size_t primaLettura = coda.size();
     for (auto& l : letture) coda.push_back(std::move(l));
     esiti.assign(coda.size() - primaLettura, Esito{});
-    // A statement still to prepare cannot join the pipeline left open by a commit: the
-    // commit's answer is read first.
-    if (volo_.attivo)
-      for (const auto& q : coda)
-        if (!(q.p.empty() && !DaPreparare(q.sql)) && !preparate_.count(q.sql + Testi::Firma(q.p))) {
-          Atterra();
-          break;
-        }
     std::vector<Testi> testi;
     std::vector<std::string> nomi;
-    PreparaTutte(coda, testi, nomi);
+    PreparaTutte(coda, testi, nomi);  // a statement to prepare reads a commit's answer first
     const bool dopoVolo = volo_.attivo;
     if (!dopoVolo && PQenterPipelineMode(c_) != 1) ErroreConnessione();
     if (!Spedisci(coda, testi, nomi) || PQpipelineSync(c_) != 1) {
@@ -474,8 +446,7 @@ class ConnessionePostgres final : public Connessione {
           // Told to the commit's outcome.
         }
       }
-      PQexitPipelineMode(c_);
-      throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
+      InvioFallito(m);
     }
     if (dopoVolo) LeggiVolo();
     size_t letti = 0;
@@ -493,6 +464,21 @@ class ConnessionePostgres final : public Connessione {
       Verifica(r.r);
     }
     if (letti != esiti.size()) throw ErroreDb(NumeroDaSqlState("08006"), "Risposta mancante dal server.", "08006");
+  }
+
+  // The writes waiting, taken off the queue (consecutive inserts joined), with the start of the
+  // transaction if it waits among them.
+  std::vector<InCoda> PrendiCoda() {
+    std::vector<InCoda> coda = std::move(coda_);
+    coda_.clear();
+    inizioInCoda_ = false;
+    UnisciInserimenti(coda);
+    return coda;
+  }
+
+  [[noreturn]] void InvioFallito(const std::string& m) {
+    PQexitPipelineMode(c_);
+    throw ErroreDb(NumeroDaSqlState("08006"), Pulisci(m), "08006");
   }
 
   // Each statement's parameters as text, and the name it is prepared under (empty: sent
@@ -676,6 +662,9 @@ class ConnessionePostgres final : public Connessione {
     std::string chiave = sql + t.firma;
     auto it = preparate_.find(chiave);
     if (it != preparate_.end()) return it->second;
+    // A prepare cannot go while a commit's answer is out in the pipeline: the answer is read
+    // first.
+    Atterra();
     if (preparate_.size() >= 256) {
       Risultato d(PQexec(c_, "DEALLOCATE ALL"));
       preparate_.clear();
@@ -690,6 +679,7 @@ class ConnessionePostgres final : public Connessione {
   void Dimentica(const std::string& sql) {
     auto it = preparate_.find(sql);
     if (it == preparate_.end()) return;
+    Atterra();
     Risultato d(PQexec(c_, ("DEALLOCATE " + it->second).c_str()));
     preparate_.erase(it);
   }
